@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+#include <memory>
+
+namespace quarry {
+
+class KeyedArchive;
+
+/// A value of a loaded archive that this program does not interpret: a place in the archive's bytes, which it keeps
+/// alive. When it is written to another archive, everything below it is copied unchanged.
+class OpaqueObject final {
+public:
+    OpaqueObject(std::shared_ptr<const KeyedArchive> archive, std::uint32_t plistIndex)
+        : _archive(std::move(archive)), _plistIndex(plistIndex)
+    {
+    }
+    [[nodiscard]] const std::shared_ptr<const KeyedArchive>& archive() const { return _archive; }
+    [[nodiscard]] std::uint32_t plistIndex() const { return _plistIndex; }
+
+private:
+    std::shared_ptr<const KeyedArchive> _archive;
+    std::uint32_t _plistIndex;
+};
+
+/// An entry that is carried through: its key and its value.
+struct OpaqueEntry {
+    QString key;
+    std::shared_ptr<const OpaqueObject> value;
+};
+
+} // namespace quarry

@@ -1,0 +1,114 @@
+#pragma once
+
+#include "engines/UpdateStarter.h"
+#include "model/QueryCore.h"
+#include "platform/Clock.h"
+#include "platform/FileStore.h"
+#include "platform/HomeFolder.h"
+#include "platform/NotificationCenter.h"
+#include "platform/Pauser.h"
+
+#include <QList>
+#include <QString>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+namespace quarry {
+
+/// One line of queriesWithNewResults.
+struct QuerySummary {
+    qint64 nbNewItems = 0; ///< "nbNewItemsKey"
+    QString title;         ///< "title Result Key"
+    QString uuid;
+};
+
+/// The single owner of the query tree: loads it from the database file, reloads it when another process rewrote
+/// the file, saves it, starts and counts updates. One a process, but tests make as many as they like. Thread-safe.
+class QueryDatabaseEngine final {
+public:
+    /// What an engine works with. References must outlive it.
+    struct Parts {
+        HomeFolder home;
+        Clock& clock;
+        Pauser& pauser;
+        FileStore& files;
+        NotificationCenter& notifications;
+        UpdateStarter* updates = nullptr; ///< None in programs that never update.
+        /// The positive reply to a pending request to terminate; may be empty.
+        std::function<void()> terminateReply;
+    };
+
+    enum class AtEnd {
+        Discard, ///< Programs that only read: destroying the engine writes nothing.
+        Save,    ///< Programs that change the tree: destroying the engine forces a save.
+    };
+
+    QueryDatabaseEngine(Parts parts, AtEnd atEnd);
+    ~QueryDatabaseEngine();
+    QueryDatabaseEngine(const QueryDatabaseEngine&) = delete;
+    QueryDatabaseEngine& operator=(const QueryDatabaseEngine&) = delete;
+
+    /// The process-wide engine, made by the program's main function. Only apps/ reaches for it.
+    [[nodiscard]] static QueryDatabaseEngine& defaultDatabase();
+    static void setDefaultDatabase(std::unique_ptr<QueryDatabaseEngine> engine);
+
+    // --- File ---------------------------------------------------------------------------------------------------
+    /// Dropped while a save is being written, and, unless forced, within 60 seconds of the last. Returns false only
+    /// when it was tried and failed; lastError() then says why.
+    bool saveDatabase(bool force);
+    void dbSynchCheck();
+    /// One line for a person about the last failed load or save; empty when it went well.
+    [[nodiscard]] QString lastError() const;
+    /// Where a file that did not decode was copied to; empty when there was none.
+    [[nodiscard]] QString damagedCopy() const;
+
+    /// One change to the database that nobody else's change can get lost in: takes the writer lock, reloads if the
+    /// file changed, applies the change, saves (forced), lets go. `change` returns an empty text to go on, or the
+    /// reason for which nothing is to be saved. Answers that reason, or why it could not be saved; empty: done.
+    [[nodiscard]] QString edit(const std::function<QString(QueryDatabaseEngine&)>& change);
+
+    // --- Tree ---------------------------------------------------------------------------------------------------
+    [[nodiscard]] QueryCorePtr rootQuery();
+    QueryCorePtr addQuery(const QString& text);
+    QueryCorePtr addQuery(const QString& text, bool isFolder);
+    QueryCorePtr addAdvancedQuery(const QString& query, qint64 wordsResctriction, const QString& siteRestriction,
+                                  const QString& urlRegularExpression);
+    QueryCorePtr addAdvancedCombinedQuery(const QStringList& queries, qint64 wordsResctriction,
+                                          const QString& siteRestriction);
+    [[nodiscard]] QueryCorePtr searchOrCreateQuery(const QString& text);
+    [[nodiscard]] std::optional<QList<QueryCorePtr>> queries() const;
+    [[nodiscard]] QueryCorePtr queryForUUID(const QString& uuid) const;
+    [[nodiscard]] std::size_t numberOfQueries() const;
+    [[nodiscard]] qint64 numberTotalOfQueries(const QueryCorePtr& node) const;
+    [[nodiscard]] qint64 numberTotalOfEnabledQueries(const QueryCorePtr& node) const;
+    [[nodiscard]] std::optional<ResultList> resultsInDatabase();
+    [[nodiscard]] ResultList searchResultsForQuery(const QueryCorePtr& node);
+    void removeQuery(const QueryCorePtr& node);
+    void toggleQueryIsEnable(const QueryCorePtr& node);
+    void moveQuery(const QueryCorePtr& node, const QueryCorePtr& asChildOf, std::size_t index);
+    void markItemAsRead(const ResultRecord& item, const QueryCorePtr& query);
+    [[nodiscard]] bool unreadResults();
+    [[nodiscard]] QList<QuerySummary> queriesWithNewResults();
+    [[nodiscard]] QList<QuerySummary> queriesWithNewResults(const QueryCorePtr& node);
+
+    // --- Updates ------------------------------------------------------------------------------------------------
+    void updateQuery(const QueryCorePtr& node);
+    /// Starts the update of every enabled query, top-level children half a second apart. Blocks meanwhile.
+    void updateAllQueries();
+    [[nodiscard]] qint64 numberOfUpdatesRunning() const;
+    void stopAllThreads();
+    [[nodiscard]] bool isUpdating() const;
+    [[nodiscard]] bool isBuildingCache() const;
+    /// What happens on "DBInternalUpdate".
+    void updateNotification();
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> _impl;
+};
+
+} // namespace quarry

@@ -1,0 +1,204 @@
+#pragma once
+
+#include "model/QueryFields.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace quarry {
+
+class QueryCore;
+using QueryCorePtr = std::shared_ptr<QueryCore>;
+
+/// The four kinds of node. Told apart by flags in the archive; this is the one place that names them.
+enum class QueryKind { Plain, Advanced, Combined, Folder };
+
+/// One node of the query tree: a saved search with its results, or a folder of them.
+///
+/// Held by shared_ptr. A folder owns its children; the parent is a weak reference, cleared on detach. Every public
+/// operation takes the tree lock (TreeLock.h) by itself, so single operations may be called from any thread; lists
+/// come back as implicitly shared snapshots. Invalid input never throws: an initializer returns no node, a change
+/// does nothing beyond what is said there, a look-up returns no node.
+class QueryCore final : public std::enable_shared_from_this<QueryCore> {
+    struct Private {}; ///< Only the initializers below make nodes.
+
+public:
+    // --- Initializers -------------------------------------------------------------------------------------------
+    /// A plain query with no words.
+    [[nodiscard]] static QueryCorePtr init();
+    /// A plain query. No node for an absent or empty text; blanks are stored as "+".
+    [[nodiscard]] static QueryCorePtr initWithQuery(const std::optional<QString>& query);
+    /// An advanced query. No node for an absent or empty text.
+    [[nodiscard]] static QueryCorePtr
+    initWithAdvancedQuery(const std::optional<QString>& query, qint64 wordsResctriction, const QString& siteRestriction,
+                          const std::optional<QString>& urlRegularExpression);
+    /// A combined query. No node for an absent or empty list. The stored text is every non-empty element with one
+    /// blank before it, so it begins with a blank.
+    [[nodiscard]] static QueryCorePtr initWithAdvancedCombinedQuery(const QStringList& queries,
+                                                                    qint64 wordsResctriction,
+                                                                    const QString& siteRestriction);
+    /// A folder with an optional name.
+    [[nodiscard]] static QueryCorePtr initWithQueryFolder(const std::optional<QString>& name);
+    /// A node read back from a file (QueryArchive.h): the fields as they are, the sort order 0, the unread count 0.
+    [[nodiscard]] static QueryCorePtr fromArchive(QueryFields fields);
+
+    QueryCore(Private, QueryFields fields, std::int32_t sortType, qint64 nbUnread);
+    QueryCore(const QueryCore&) = delete;
+    QueryCore& operator=(const QueryCore&) = delete;
+
+    // --- Definition ---------------------------------------------------------------------------------------------
+    [[nodiscard]] QueryKind kind() const;
+    [[nodiscard]] QString query() const;                   ///< Blanks shown again; empty when absent.
+    [[nodiscard]] std::optional<QString> storedQuery() const; ///< `_query` as stored.
+    [[nodiscard]] QString queryAmpersandProtected() const; ///< query() with every "&" as "_&&&&&_".
+    [[nodiscard]] QString title() const;                   ///< The user's title, else query().
+    [[nodiscard]] QString highlight() const;               ///< The words to highlight, else query().
+    void setQuery(const std::optional<QString>& query);
+    void setTitle(const std::optional<QString>& title);
+    void setHighlight(const std::optional<QString>& highlight);
+    void setSearchString(const std::optional<QString>& searchString);
+    void setMustHighlight(bool highlight);
+    [[nodiscard]] bool isHighlightActive() const;
+    void setEnabled(bool enabled);
+    [[nodiscard]] bool isEnabled() const;
+    void setCheckBlacklist(bool check);
+    [[nodiscard]] bool isCheckingBlacklist() const;
+    void setComputeChecksum(bool compute);
+    [[nodiscard]] bool isComputingChecksum() const;
+    [[nodiscard]] QString UUID() const;
+    [[nodiscard]] std::optional<Date> date() const; ///< Time of the last update; the reference date: never.
+    [[nodiscard]] bool isAdvancedQuery() const;
+    [[nodiscard]] bool isCombinedQuery() const;
+    [[nodiscard]] std::optional<QStringList> combinedQueries() const;
+    [[nodiscard]] QString websiteRestriction() const;
+    [[nodiscard]] QString urlRegularExpressions() const;
+    [[nodiscard]] std::optional<qint64> wordsRestriction() const; ///< 1 when not advanced.
+    [[nodiscard]] qint64 searchType() const;                      ///< The stored mode, 0 when absent.
+
+    void changeWithQuery(const std::optional<QString>& query, qint64 wordsResctriction,
+                         const std::optional<QString>& siteRestriction,
+                         const std::optional<QString>& urlRegularExpression = QString());
+    void changeWithCombinedQuery(const QStringList& queries, qint64 wordsResctriction,
+                                 const std::optional<QString>& siteRestriction,
+                                 const std::optional<QString>& urlRegularExpression = QString());
+
+    // --- Tree ---------------------------------------------------------------------------------------------------
+    [[nodiscard]] bool isQueryFolder() const;
+    [[nodiscard]] bool isLeaf() const;
+    /// A snapshot of the children; none for a leaf or a folder that never had a child.
+    [[nodiscard]] std::optional<QList<QueryCorePtr>> childs() const;
+    [[nodiscard]] qsizetype numberOfChilds() const;
+    void setParent(const QueryCorePtr& parent);
+    /// The parent, else what findParentOfQuery finds.
+    [[nodiscard]] QueryCorePtr parent();
+    [[nodiscard]] QueryCorePtr findParentOfQuery(const QueryCorePtr& node);
+    void addChild(const QueryCorePtr& child);
+    /// Index 0, a negative one and one past the end append; others insert there.
+    void insertChild(const QueryCorePtr& child, qint64 atIndex);
+    [[nodiscard]] QString keyPath() const;
+    void setKeyPath(const std::optional<QString>& keyPath);
+    void removeChild(const QueryCorePtr& child);
+    void deleteChild(const QueryCorePtr& child);
+    /// Deletes the page cache and leaves the tree.
+    void remove();
+    /// Deletes the page caches of the whole subtree and empties its folders.
+    void delete_();
+    void removeResults();
+    [[nodiscard]] QueryCorePtr findQueryForUUID(const QString& uuid);
+    [[nodiscard]] QueryCorePtr nodeForKeyPath(const QString& keyPath);
+
+    // --- Private filters ----------------------------------------------------------------------------------------
+    void addFilter(const FilterObject& filter);
+    void replaceFilter(const FilterObject& oldFilter, const FilterObject& newFilter);
+    void removeFilter(const FilterObject& filter);
+    [[nodiscard]] std::optional<QList<FilterObject>> filters() const;
+
+    // --- Results (QueryResults.cpp) -----------------------------------------------------------------------------
+    /// The visible records, after the interactive search filter.
+    [[nodiscard]] std::optional<ResultList> results() const;
+    [[nodiscard]] std::optional<ResultList> resultsSortedBy(std::int32_t order);
+    [[nodiscard]] std::optional<ResultList> hiddenResults();
+    void setHidden(bool hidden, const ResultRecord& forItem);
+    void markItemAsRead(const ResultRecord& item);
+    void markItemAsUnread(const ResultRecord& item);
+    void markAllItemAsRead();
+    [[nodiscard]] std::optional<ResultRecord> setRating(qint64 rating, const ResultRecord& forItem);
+    void excludeItem(const ResultRecord& item);
+    void excludeURLString(const QString& address);
+    [[nodiscard]] bool isExcludedURL(const QString& address) const;
+    /// The hosts whose results are dropped, sorted; empty when there are none.
+    [[nodiscard]] QStringList excludedHosts() const;
+    /// Takes a host off the list of exclusions. Results that were dropped come back with a later update.
+    void includeHost(const QString& host);
+    [[nodiscard]] qsizetype nbItems() const;
+    [[nodiscard]] qsizetype nbHiddenItems() const;
+    [[nodiscard]] qint64 nbUnreadItem();
+    /// The current version of a record that was replaced meanwhile, found by its "link uuid key" among the visible
+    /// (or hidden) records; the record itself when it has no such key or is still there as it is.
+    [[nodiscard]] std::optional<ResultRecord> currentRecord(const ResultRecord& record) const;
+
+    // --- Update state (written by the update cycle) ---------------------------------------------------------------
+    [[nodiscard]] bool isUpdating() const;
+    void setUpdating(bool updating);
+    [[nodiscard]] qint64 numberOfLinksAddedOnLatestUpdate() const;
+    [[nodiscard]] qint64 numberOfLinksBlacklistedOnLatestUpdate() const;
+    [[nodiscard]] qint64 numberOfLinksExcludedOnLatestUpdate() const;
+    /// Zeroes or sets the three counters.
+    void setUpdateCounters(qint64 added, qint64 blacklisted, qint64 excluded);
+    [[nodiscard]] bool queryChanged() const;
+    /// Reads and clears the mark that the definition was changed.
+    bool takeQueryChanged();
+    /// Forgets the cached number of unread results.
+    void invalidateUnread();
+    void stopTaskNotificationReceived();
+    /// Reads and clears the request to stop a running page copy.
+    bool takeMustStopCacheCreation();
+    [[nodiscard]] bool mustStopCacheCreation() const;
+
+    // --- Snapshots ----------------------------------------------------------------------------------------------
+    /// The stored fields as they are now, and the number of changes made to them so far.
+    struct Snapshot {
+        QueryFields fields;
+        std::int32_t sortType = 3;
+        std::uint64_t generation = 0;
+    };
+    [[nodiscard]] Snapshot snapshot() const;
+    /// Swaps in what an update made of a snapshot. Nothing happens and false is answered when the node was changed
+    /// since that snapshot was taken: the merge is then to be done again.
+    [[nodiscard]] bool replaceResultsIfUnchanged(std::uint64_t generation, ResultList results, Date lastUpdate);
+
+    /// "%@ [%lu]\n%@, last update: %@. Number of Results: %ld (%@)"
+    [[nodiscard]] QString description() const;
+
+    /// How findParentOfQuery looks a UUID up: the database hands it in. Process-wide, set once at start.
+    static void setNodeLookup(std::function<QueryCorePtr(const QString& uuid)> lookup);
+    /// The folder that holds the page caches ("Caches"); node UUIDs name its sub-folders. Process-wide, set once at
+    /// start; empty: nothing is deleted.
+    static void setCachesFolder(const QString& folder);
+
+private:
+    void excludeHost(const QString& host);
+    void touch() { ++_generation; }
+
+    QueryFields _fields;
+    std::weak_ptr<QueryCore> _parent;
+    std::optional<QList<QueryCorePtr>> _childs;
+    std::int32_t _sortType = 3;
+    qint64 _nbUnread = -1;
+    bool _updating = false;
+    bool _queryChanged = false;
+    bool _mustStopCacheCreation = false;
+    qint64 _newResultsAdded_volatile = 0;
+    qint64 _newResultsBlacklisted_volatile = 0;
+    qint64 _newResultsExcluded_volatile = 0;
+    std::optional<QString> _searchString;
+    std::uint64_t _generation = 0;
+};
+
+} // namespace quarry

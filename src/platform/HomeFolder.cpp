@@ -1,0 +1,59 @@
+#include "platform/HomeFolder.h"
+
+#include <QDir>
+
+namespace quarry {
+
+HomeFolder HomeFolder::ofUser()
+{
+    return HomeFolder(QDir::homePath());
+}
+
+HomeFolder::HomeFolder(QString path) : _path(QDir::cleanPath(std::move(path))) {}
+
+QString HomeFolder::supportFolder() const
+{
+    return _path + QStringLiteral("/Library/Application Support/QuarrySpotter");
+}
+
+QString HomeFolder::databaseFile() const
+{
+    return supportFolder() + QStringLiteral("/Database.qsdata");
+}
+
+QString HomeFolder::scheduleFile() const
+{
+    return supportFolder() + QStringLiteral("/Schedule.plist");
+}
+
+QString HomeFolder::searchServicesFile() const
+{
+    return supportFolder() + QStringLiteral("/SearchServices.plist");
+}
+
+QString HomeFolder::writerLockFile() const
+{
+    return supportFolder() + QStringLiteral("/.writerLock");
+}
+
+QString HomeFolder::updaterLockFile() const
+{
+    return supportFolder() + QStringLiteral("/.updaterLock");
+}
+
+QString HomeFolder::cachesFolder() const
+{
+    return supportFolder() + QStringLiteral("/Caches");
+}
+
+QString HomeFolder::queryCacheFolder(const QString& queryUuid) const
+{
+    return cachesFolder() + QLatin1Char('/') + queryUuid;
+}
+
+QString HomeFolder::preferencesFile() const
+{
+    return _path + QStringLiteral("/Library/Preferences/com.zep.QuarrySpotter.plist");
+}
+
+} // namespace quarry

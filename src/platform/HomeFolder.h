@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QString>
+
+namespace quarry {
+
+/// Every path below the user's home folder that the product uses, in one place. A plain value.
+class HomeFolder final {
+public:
+    /// The user's own home folder ($HOME).
+    [[nodiscard]] static HomeFolder ofUser();
+    explicit HomeFolder(QString path);
+
+    [[nodiscard]] QString path() const { return _path; }
+    /// "Library/Application Support/QuarrySpotter"
+    [[nodiscard]] QString supportFolder() const;
+    /// "Database.qsdata" in the support folder.
+    [[nodiscard]] QString databaseFile() const;
+    /// "Schedule.plist" in the support folder.
+    [[nodiscard]] QString scheduleFile() const;
+    /// "SearchServices.plist" in the support folder.
+    [[nodiscard]] QString searchServicesFile() const;
+    /// ".writerLock" in the support folder.
+    [[nodiscard]] QString writerLockFile() const;
+    /// ".updaterLock" in the support folder: held by the one refresh that runs.
+    [[nodiscard]] QString updaterLockFile() const;
+    /// "Caches" in the support folder.
+    [[nodiscard]] QString cachesFolder() const;
+    /// The page-cache folder of one query.
+    [[nodiscard]] QString queryCacheFolder(const QString& queryUuid) const;
+    /// "Library/Preferences/com.zep.QuarrySpotter.plist"
+    [[nodiscard]] QString preferencesFile() const;
+
+private:
+    QString _path;
+};
+
+} // namespace quarry

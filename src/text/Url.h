@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringView>
+
+#include <optional>
+
+namespace quarry {
+
+/// An address, split once. Two addresses are equal when their texts are equal. A cheap, implicitly shared value.
+///
+/// An address that came from a file keeps its text exactly as it was. One made from text that a person typed or
+/// that was found in a page has the characters which RFC 2396 does not allow percent-escaped as UTF-8, the "%" of
+/// a broken escape included.
+class Url final {
+public:
+    /// No address: every part is empty.
+    Url() = default;
+
+    /// As stored: nothing is changed. The text may be no valid address; then host() is empty.
+    [[nodiscard]] static Url fromStored(const QString& text);
+    /// From typed or found text. None for an empty text and for one whose host or port cannot be read.
+    [[nodiscard]] static std::optional<Url> fromText(const QString& text);
+    /// A reference resolved against a base (RFC 3986, section 5.2). None as for fromText.
+    [[nodiscard]] static std::optional<Url> resolved(const Url& base, const QString& reference);
+
+    [[nodiscard]] bool isEmpty() const { return _text.isEmpty(); }
+    [[nodiscard]] const QString& absoluteString() const { return _text; }
+    /// Without the ":"; empty when there is none.
+    [[nodiscard]] QStringView scheme() const { return part(_scheme); }
+    /// As written, without user and port; brackets of an IPv6 host included.
+    [[nodiscard]] QStringView host() const { return part(_host); }
+    /// As written, escapes kept; empty for a bare host.
+    [[nodiscard]] QStringView path() const { return part(_path); }
+    /// Without the "?"; empty when there is none.
+    [[nodiscard]] QStringView query() const { return part(_query); }
+    /// The text after the last "." of the path's last component; empty when there is none.
+    [[nodiscard]] QString pathExtension() const;
+    /// For the wire: the text as bytes, everything outside ASCII percent-escaped, the fragment left out.
+    [[nodiscard]] QByteArray requestBytes() const;
+
+    friend bool operator==(const Url& a, const Url& b) { return a._text == b._text; }
+
+private:
+    struct Range {
+        qsizetype begin = 0;
+        qsizetype length = 0;
+    };
+    [[nodiscard]] QStringView part(Range r) const { return QStringView(_text).mid(r.begin, r.length); }
+    /// False when host or port cannot be read.
+    bool split();
+
+    QString _text;
+    Range _scheme, _host, _path, _query;
+};
+
+/// The whole text percent-escaped as UTF-8: everything outside RFC 2396's reserved and unreserved characters,
+/// "%" and "#" included. For the finished search address.
+[[nodiscard]] QString percentEscaped(const QString& text);
+/// Percent escapes undone and read as UTF-8; none when the bytes are not UTF-8.
+[[nodiscard]] std::optional<QString> percentUnescaped(const QString& text);
+
+} // namespace quarry
