@@ -18,7 +18,11 @@ public:
     {
     }
     [[nodiscard]] const std::shared_ptr<const KeyedArchive>& archive() const { return _archive; }
+    /// The number of the property-list object: a reference to an archived object, or a value in place.
     [[nodiscard]] std::uint32_t plistIndex() const { return _plistIndex; }
+
+    /// Equal content, compared down to the leaves; gives up as unequal where that would take too long.
+    friend bool operator==(const OpaqueObject& a, const OpaqueObject& b);
 
 private:
     std::shared_ptr<const KeyedArchive> _archive;
@@ -29,6 +33,10 @@ private:
 struct OpaqueEntry {
     QString key;
     std::shared_ptr<const OpaqueObject> value;
+    /// The key itself, where it is no text.
+    std::shared_ptr<const OpaqueObject> keyObject;
+
+    friend bool operator==(const OpaqueEntry& a, const OpaqueEntry& b);
 };
 
 } // namespace quarry
