@@ -13,7 +13,8 @@ public:
     /// For a program file at that absolute path (tests).
     explicit Bundle(QString programPath);
 
-    /// The nearest "Contents/Resources" upwards from the program that holds an "English.lproj"; empty when there is none.
+    /// The nearest "Contents/Resources" upwards from the program that holds an "English.lproj"; empty when there is
+    /// none.
     [[nodiscard]] QString resourcesFolder() const;
     /// The product's own "QuarrySpotter.app/Contents"; empty when the program does not lie in one.
     [[nodiscard]] QString contentsFolder() const;

@@ -34,8 +34,9 @@ public:
 class FileStore {
 public:
     struct WriteResult {
-        QString error;   ///< Empty on success, else one line for a person.
-        FileStamp stamp; ///< Of the written file, taken from the open temporary file before the rename.
+        QString error;             ///< Empty on success, else one line for a person.
+        FileStamp stamp;           ///< Of the written file, taken from the open temporary file before the rename.
+        bool alreadyThere = false; ///< A file that was to be created exists; `error` says so too.
         [[nodiscard]] bool ok() const { return error.isEmpty(); }
     };
     /// Writes everything into the sink; returns false when the sink refused or the content cannot be made.
@@ -62,6 +63,9 @@ public:
     /// The same for bytes in memory.
     [[nodiscard]] WriteResult replace(const QString& path, const QString& temporaryPrefix, unsigned mode,
                                       const QByteArray& bytes);
+    /// As replace, for a file that must not be there yet: an existing one is left as it is, and `alreadyThere` set.
+    [[nodiscard]] virtual WriteResult create(const QString& path, const QString& temporaryPrefix, unsigned mode,
+                                             const QByteArray& bytes) = 0;
 };
 
 /// The real file system.
@@ -72,6 +76,8 @@ public:
     [[nodiscard]] ReadResult read(const QString& path) const override;
     [[nodiscard]] WriteResult replace(const QString& path, const QString& temporaryPrefix, unsigned mode,
                                       const Producer& producer) override;
+    [[nodiscard]] WriteResult create(const QString& path, const QString& temporaryPrefix, unsigned mode,
+                                     const QByteArray& bytes) override;
 };
 
 } // namespace quarry
