@@ -19,12 +19,26 @@ using QueryCorePtr = std::shared_ptr<QueryCore>;
 /// The four kinds of node. Told apart by flags in the archive; this is the one place that names them.
 enum class QueryKind { Plain, Advanced, Combined, Folder };
 
+/// What a tree needs of the program around it.
+struct TreeServices {
+    /// How findParentOfQuery finds a node by its UUID. Called without the tree lock.
+    std::function<QueryCorePtr(const QString& uuid)> findByUuid;
+    /// The folder that holds the page caches ("Caches"); node UUIDs name its sub-folders. Empty: nothing is deleted.
+    QString cachesFolder;
+};
+
 /// One node of the query tree: a saved search with its results, or a folder of them.
 ///
 /// Held by shared_ptr. A folder owns its children; the parent is a weak reference, cleared on detach. Every public
 /// operation takes the tree lock (TreeLock.h) by itself, so single operations may be called from any thread; lists
 /// come back as implicitly shared snapshots. Invalid input never throws: an initializer returns no node, a change
-/// does nothing beyond what is said there, a look-up returns no node.
+/// does nothing beyond what is said there, a look-up returns no node. Equality of nodes is identity.
+///
+/// Files are deleted after the tree lock is let go, on the same thread, and only below the caches folder of the
+/// services that the node was given.
+///
+/// The operations stand by theme: QueryCore.cpp (making, snapshots), QueryDefinition.cpp, QueryTree.cpp,
+/// QueryResults.cpp, QueryUpdateState.cpp.
 class QueryCore final : public std::enable_shared_from_this<QueryCore> {
     struct Private {}; ///< Only the initializers below make nodes.
 
@@ -35,18 +49,24 @@ public:
     /// A plain query. No node for an absent or empty text; blanks are stored as "+".
     [[nodiscard]] static QueryCorePtr initWithQuery(const std::optional<QString>& query);
     /// An advanced query. No node for an absent or empty text.
-    [[nodiscard]] static QueryCorePtr
-    initWithAdvancedQuery(const std::optional<QString>& query, qint64 wordsResctriction, const QString& siteRestriction,
-                          const std::optional<QString>& urlRegularExpression);
+    [[nodiscard]] static QueryCorePtr initWithAdvancedQuery(const std::optional<QString>& query,
+                                                            qint64 wordsResctriction, const QString& siteRestriction,
+                                                            const std::optional<QString>& urlRegularExpression);
     /// A combined query. No node for an absent or empty list. The stored text is every non-empty element with one
     /// blank before it, so it begins with a blank.
-    [[nodiscard]] static QueryCorePtr initWithAdvancedCombinedQuery(const QStringList& queries,
-                                                                    qint64 wordsResctriction,
-                                                                    const QString& siteRestriction);
+    [[nodiscard]] static QueryCorePtr
+    initWithAdvancedCombinedQuery(const QStringList& queries, qint64 wordsResctriction, const QString& siteRestriction);
     /// A folder with an optional name.
     [[nodiscard]] static QueryCorePtr initWithQueryFolder(const std::optional<QString>& name);
     /// A node read back from a file (QueryArchive.h): the fields as they are, the sort order 0, the unread count 0.
+    /// No default exclusions: they are among the stored ones.
     [[nodiscard]] static QueryCorePtr fromArchive(QueryFields fields);
+    /// The children of a node read back from a file. Their parents and key paths stay as they are. The caller sees
+    /// to it that no node stands in two places or below itself.
+    void setChildsFromArchive(QList<QueryCorePtr> childs);
+
+    /// Hands the services to this node and everything below it; nodes added later get them from their folder.
+    void setServices(const std::shared_ptr<const TreeServices>& services);
 
     QueryCore(Private, QueryFields fields, std::int32_t sortType, qint64 nbUnread);
     QueryCore(const QueryCore&) = delete;
@@ -54,11 +74,11 @@ public:
 
     // --- Definition ---------------------------------------------------------------------------------------------
     [[nodiscard]] QueryKind kind() const;
-    [[nodiscard]] QString query() const;                   ///< Blanks shown again; empty when absent.
+    [[nodiscard]] QString query() const;                      ///< Blanks shown again; empty when absent.
     [[nodiscard]] std::optional<QString> storedQuery() const; ///< `_query` as stored.
-    [[nodiscard]] QString queryAmpersandProtected() const; ///< query() with every "&" as "_&&&&&_".
-    [[nodiscard]] QString title() const;                   ///< The user's title, else query().
-    [[nodiscard]] QString highlight() const;               ///< The words to highlight, else query().
+    [[nodiscard]] QString queryAmpersandProtected() const;    ///< query() with every "&" as "_&&&&&_".
+    [[nodiscard]] QString title() const;                      ///< The user's title, else query().
+    [[nodiscard]] QString highlight() const;                  ///< The words to highlight, else query().
     void setQuery(const std::optional<QString>& query);
     void setTitle(const std::optional<QString>& title);
     void setHighlight(const std::optional<QString>& highlight);
@@ -97,21 +117,31 @@ public:
     void setParent(const QueryCorePtr& parent);
     /// The parent, else what findParentOfQuery finds.
     [[nodiscard]] QueryCorePtr parent();
+    /// Looks up the next to last UUID of the node's key path and makes what it finds the parent of this node.
     [[nodiscard]] QueryCorePtr findParentOfQuery(const QueryCorePtr& node);
+    /// Makes this node the child's parent, gives the child its key path and appends it. The child is not taken out of
+    /// another folder, and the key paths below it stay. Ignored for none and for a node that this one stands below.
     void addChild(const QueryCorePtr& child);
-    /// Index 0, a negative one and one past the end append; others insert there.
+    /// As addChild, but in another place: index 0, a negative one and one past the end append; others insert there.
     void insertChild(const QueryCorePtr& child, qint64 atIndex);
     [[nodiscard]] QString keyPath() const;
     void setKeyPath(const std::optional<QString>& keyPath);
+    /// Detaches the child and keeps it as it is.
     void removeChild(const QueryCorePtr& child);
+    /// Detaches the child and deletes the page caches of its whole subtree.
     void deleteChild(const QueryCorePtr& child);
-    /// Deletes the page cache and leaves the tree.
+    /// Deletes the page cache of this node and detaches it.
     void remove();
     /// Deletes the page caches of the whole subtree and empties its folders.
     void delete_();
+    /// Drops all results, the hidden ones and the page cache too.
     void removeResults();
+    /// This node or the first one below it, depth first in child order.
     [[nodiscard]] QueryCorePtr findQueryForUUID(const QString& uuid);
+    /// The node that a path of UUIDs leads to, this one's own first.
     [[nodiscard]] QueryCorePtr nodeForKeyPath(const QString& keyPath);
+    /// Whether the node is this one or stands below it. Ask before moving a folder.
+    [[nodiscard]] bool contains(const QueryCorePtr& node) const;
 
     // --- Private filters ----------------------------------------------------------------------------------------
     void addFilter(const FilterObject& filter);
@@ -162,9 +192,11 @@ public:
     [[nodiscard]] bool mustStopCacheCreation() const;
 
     // --- Snapshots ----------------------------------------------------------------------------------------------
-    /// The stored fields as they are now, and the number of changes made to them so far.
+    /// The stored fields and the place in the tree as they are now, and the number of changes made to them so far.
     struct Snapshot {
         QueryFields fields;
+        QueryCorePtr parent; ///< As stored: none is not looked up.
+        std::optional<QList<QueryCorePtr>> childs;
         std::int32_t sortType = 3;
         std::uint64_t generation = 0;
     };
@@ -176,19 +208,23 @@ public:
     /// "%@ [%lu]\n%@, last update: %@. Number of Results: %ld (%@)"
     [[nodiscard]] QString description() const;
 
-    /// How findParentOfQuery looks a UUID up: the database hands it in. Process-wide, set once at start.
-    static void setNodeLookup(std::function<QueryCorePtr(const QString& uuid)> lookup);
-    /// The folder that holds the page caches ("Caches"); node UUIDs name its sub-folders. Process-wide, set once at
-    /// start; empty: nothing is deleted.
-    static void setCachesFolder(const QString& folder);
-
 private:
+    using ChildList = QList<QueryCorePtr>;
+
+    [[nodiscard]] static QueryCorePtr makeQuery(QueryFields fields);
+    void storeRestrictions(qint64 wordsResctriction, const std::optional<QString>& siteRestriction,
+                           const QString& urlRegularExpression);
+    void deletePageCache() const;
+    void markItem(const ResultRecord& item, bool read);
     void excludeHost(const QString& host);
+    void countUnread();
+    /// Says that stored fields changed, so that no update swaps in what it made of the older ones.
     void touch() { ++_generation; }
 
     QueryFields _fields;
     std::weak_ptr<QueryCore> _parent;
-    std::optional<QList<QueryCorePtr>> _childs;
+    std::optional<ChildList> _childs;
+    std::shared_ptr<const TreeServices> _services;
     std::int32_t _sortType = 3;
     qint64 _nbUnread = -1;
     bool _updating = false;

@@ -1,13 +1,57 @@
 #include "model/TreeLock.h"
 
+#include <mutex>
+#include <utility>
+#include <vector>
+
 namespace quarry {
 
-static std::recursive_mutex& treeMutex()
+namespace {
+
+std::recursive_mutex& treeMutex()
 {
     static std::recursive_mutex mutex;
     return mutex;
 }
 
-TreeLock::TreeLock() : _lock(treeMutex()) {}
+/// How often this thread holds the lock, and what it has put off until it lets go.
+struct ThreadState {
+    int depth = 0;
+    std::vector<std::function<void()>> jobs;
+};
+
+ThreadState& threadState()
+{
+    thread_local ThreadState state;
+    return state;
+}
+
+} // namespace
+
+TreeLock::TreeLock()
+{
+    treeMutex().lock();
+    ++threadState().depth;
+}
+
+TreeLock::~TreeLock()
+{
+    ThreadState& state = threadState();
+    std::vector<std::function<void()>> jobs;
+    if (--state.depth == 0)
+        jobs.swap(state.jobs);
+    treeMutex().unlock();
+    for (const std::function<void()>& job : jobs)
+        job();
+}
+
+void TreeLock::afterwards(std::function<void()> job)
+{
+    ThreadState& state = threadState();
+    if (state.depth == 0)
+        job();
+    else
+        state.jobs.push_back(std::move(job));
+}
 
 } // namespace quarry

@@ -1,20 +1,22 @@
 #pragma once
 
-#include <mutex>
+#include <functional>
 
 namespace quarry {
 
 /// Holds the one mutex that guards every query tree and its nodes. Every public operation of QueryCore takes it
 /// by itself; take it around several operations that must be seen as one. It is recursive; nothing slow (files,
-/// network, pauses) happens under it.
+/// network, pauses) happens under it: hand such work to afterwards().
 class TreeLock final {
 public:
     TreeLock();
+    ~TreeLock();
     TreeLock(const TreeLock&) = delete;
     TreeLock& operator=(const TreeLock&) = delete;
 
-private:
-    std::unique_lock<std::recursive_mutex> _lock;
+    /// Runs the job on this thread as soon as it holds the lock no more; at once when it does not hold it now.
+    /// The job must not throw.
+    static void afterwards(std::function<void()> job);
 };
 
 } // namespace quarry

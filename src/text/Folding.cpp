@@ -1,0 +1,54 @@
+#include "text/Folding.h"
+
+#include <QChar>
+
+#include <algorithm>
+
+namespace quarry {
+
+namespace {
+
+bool isAscii(QStringView text)
+{
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; });
+}
+
+/// Combining classes of Unicode: 1 strikes a letter through, 10 to 36 are the points of Hebrew, Arabic and Syriac,
+/// from 200 on come the accents above, below and around a letter.
+bool isDiacritic(char32_t character)
+{
+    if (QChar::category(character) != QChar::Mark_NonSpacing)
+        return false;
+    const int combining = QChar::combiningClass(character);
+    return combining == 1 || (combining >= 10 && combining <= 36) || combining >= 200;
+}
+
+} // namespace
+
+QString foldedText(QStringView text)
+{
+    if (isAscii(text))
+        return text.toString().toLower();
+    const QList<uint> characters = text.toString().normalized(QString::NormalizationForm_D).toUcs4();
+    QString kept;
+    kept.reserve(characters.size());
+    for (const char32_t character : characters) {
+        if (!isDiacritic(character))
+            kept.append(QChar::fromUcs4(character));
+    }
+    // Composed again, so that a syllable of Hangul is a letter and not the beginning of a longer one.
+    return kept.toCaseFolded().normalized(QString::NormalizationForm_C);
+}
+
+FoldedNeedle::FoldedNeedle(QStringView needle) : _folded(foldedText(needle)), _isAscii(isAscii(_folded)) {}
+
+bool FoldedNeedle::isIn(QStringView text) const
+{
+    if (_folded.isEmpty())
+        return false;
+    if (isAscii(text))
+        return _isAscii && text.contains(_folded, Qt::CaseInsensitive);
+    return foldedText(text).contains(_folded);
+}
+
+} // namespace quarry
