@@ -1,5 +1,7 @@
 #pragma once
 
+#include "text/PercentEscapes.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringView>
@@ -22,7 +24,8 @@ public:
     [[nodiscard]] static Url fromStored(const QString& text);
     /// From typed or found text. None for an empty text and for one whose host or port cannot be read.
     [[nodiscard]] static std::optional<Url> fromText(const QString& text);
-    /// A reference resolved against a base (RFC 3986, section 5.2). None as for fromText.
+    /// A reference resolved against a base (RFC 3986, section 5.2), escaped as by fromText. An empty reference is
+    /// the base without its fragment. None as for fromText.
     [[nodiscard]] static std::optional<Url> resolved(const Url& base, const QString& reference);
 
     [[nodiscard]] bool isEmpty() const { return _text.isEmpty(); }
@@ -35,9 +38,12 @@ public:
     [[nodiscard]] QStringView path() const { return part(_path); }
     /// Without the "?"; empty when there is none.
     [[nodiscard]] QStringView query() const { return part(_query); }
-    /// The text after the last "." of the path's last component; empty when there is none.
+    /// The text after the last "." of the path's last component, escapes undone. A "/" at the path's end does not
+    /// count; a name that only begins with a dot (".profile") or ends with one has no extension. Empty when there is
+    /// none.
     [[nodiscard]] QString pathExtension() const;
-    /// For the wire: the text as bytes, everything outside ASCII percent-escaped, the fragment left out.
+    /// For the wire: the text as bytes, the fragment left out, a host outside ASCII in its ASCII form, every other
+    /// character that is no visible ASCII percent-escaped.
     [[nodiscard]] QByteArray requestBytes() const;
 
     friend bool operator==(const Url& a, const Url& b) { return a._text == b._text; }
@@ -48,17 +54,13 @@ private:
         qsizetype length = 0;
     };
     [[nodiscard]] QStringView part(Range r) const { return QStringView(_text).mid(r.begin, r.length); }
-    /// False when host or port cannot be read.
+    /// Finds the parts. False when host or port cannot be read; host() is empty then.
     bool split();
+    bool splitAuthority(qsizetype begin, qsizetype end);
+    [[nodiscard]] qsizetype fragmentBegin() const;
 
     QString _text;
     Range _scheme, _host, _path, _query;
 };
-
-/// The whole text percent-escaped as UTF-8: everything outside RFC 2396's reserved and unreserved characters,
-/// "%" and "#" included. For the finished search address.
-[[nodiscard]] QString percentEscaped(const QString& text);
-/// Percent escapes undone and read as UTF-8; none when the bytes are not UTF-8.
-[[nodiscard]] std::optional<QString> percentUnescaped(const QString& text);
 
 } // namespace quarry
