@@ -1,0 +1,82 @@
+#pragma once
+
+#include "engines/SearchAddresses.h"
+#include "engines/SearchService.h"
+#include "model/ResultRecord.h"
+#include "platform/Clock.h"
+#include "platform/FileStore.h"
+#include "platform/PageLoader.h"
+#include "platform/Pauser.h"
+
+#include <QList>
+#include <QString>
+
+#include <optional>
+
+namespace quarry {
+
+/// What became of one result page, for whoever watches how a service is doing.
+struct PageFacts {
+    enum class Source { Nowhere, Cache, Network };
+
+    int start = 0;                   ///< Offset of its first result.
+    QString address;                 ///< The finished address.
+    Source source = Source::Nowhere; ///< Nowhere: there was no page.
+    int httpStatus = 0;              ///< 0 without a reply.
+    double seconds = 0;              ///< Of the request; 0 from the cache.
+    QString error;                   ///< Why there was no page: one line for a person; else empty.
+    qsizetype bytes = 0;             ///< As loaded; of the cached text when it came from the cache.
+    bool hasResultsArea = false;
+    int items = 0;   ///< Result elements found in the page.
+    int results = 0; ///< Records made of them.
+};
+
+/// What asking one service brought.
+struct FetchOutcome {
+    /// In page order; none when the routine refused to run.
+    std::optional<ResultList> records;
+    QList<PageFacts> pages;
+    /// The program was asked to stop before all pages were asked.
+    bool stopped = false;
+};
+
+/// Fetches the result pages of one query from the services and cuts the results out of them. Pages are kept for six
+/// hours in the query's cache folder.
+///
+/// One object an update; all calls on the update's own thread. Nothing throws: a page that cannot be had is left out.
+class ServiceFetcher final {
+public:
+    /// What it works with; all must outlive the fetcher.
+    struct Parts {
+        PageLoader& loader;
+        Pauser& pauser;
+        const Clock& clock;
+        FileStore& files;
+        TextLookup lookup;
+        /// The folder of all page caches; empty: nothing is cached.
+        QString cachesFolder;
+        /// "pref_umberOfResultPerEngine": pages are asked at offsets 0, 10, 20, ... below it.
+        qint64 resultsPerEngine = 40;
+    };
+
+    /// For the query with that text (blanks shown) and UUID.
+    ServiceFetcher(Parts parts, QString query, QString queryUuid);
+
+    // The address is the service's, with "^start_" still in it. They refuse when the query text is empty; Google also
+    // when the address is.
+    [[nodiscard]] FetchOutcome updateGoogle(const QString& address);
+    [[nodiscard]] FetchOutcome updateYahoo(const QString& address);
+    [[nodiscard]] FetchOutcome updateBing(const QString& address);
+    /// Always refuses: extraction is switched off for this service.
+    [[nodiscard]] FetchOutcome updateExalead(const QString& address);
+    [[nodiscard]] FetchOutcome updateIxquick(const QString& address);
+    /// The one of that service.
+    [[nodiscard]] FetchOutcome update(SearchService service, const QString& address);
+
+private:
+    Parts _parts;
+    QString _query;
+    QString _queryUuid;
+};
+
+} // namespace quarry
