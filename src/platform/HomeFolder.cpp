@@ -1,6 +1,7 @@
 #include "platform/HomeFolder.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 namespace quarry {
 
@@ -14,6 +15,17 @@ HomeFolder::HomeFolder(QString path) : _path(QDir::cleanPath(std::move(path))) {
 QString HomeFolder::supportFolder() const
 {
     return _path + QStringLiteral("/Library/Application Support/QuarrySpotter");
+}
+
+QString HomeFolder::makeFolders() const
+{
+    if (!QFileInfo(_path).isDir())
+        return QStringLiteral("the home folder %1 does not exist").arg(_path);
+    for (const QString& folder : {supportFolder(), QFileInfo(preferencesFile()).path()}) {
+        if (!QDir().mkpath(folder))
+            return QStringLiteral("cannot make the folder %1").arg(folder);
+    }
+    return {};
 }
 
 QString HomeFolder::databaseFile() const

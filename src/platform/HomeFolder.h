@@ -14,6 +14,9 @@ public:
     [[nodiscard]] QString path() const { return _path; }
     /// "Library/Application Support/QuarrySpotter"
     [[nodiscard]] QString supportFolder() const;
+    /// Makes the support folder and the one of the preferences. A home folder that is not there is not made: it is
+    /// a mistake. Returns one line for a person on failure, an empty text otherwise.
+    [[nodiscard]] QString makeFolders() const;
     /// "Database.qsdata" in the support folder.
     [[nodiscard]] QString databaseFile() const;
     /// "Schedule.plist" in the support folder.
