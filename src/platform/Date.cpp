@@ -12,7 +12,8 @@ QString Date::description() const
     const int offset = local.offsetFromUtc();
     const int minutes = std::abs(offset) / 60;
     return QStringLiteral("%1 %2%3%4")
-        .arg(local.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")), offset < 0 ? QStringLiteral("-") : QStringLiteral("+"))
+        .arg(local.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")),
+             offset < 0 ? QStringLiteral("-") : QStringLiteral("+"))
         .arg(minutes / 60, 2, 10, QLatin1Char('0'))
         .arg(minutes % 60, 2, 10, QLatin1Char('0'));
 }

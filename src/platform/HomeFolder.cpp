@@ -10,7 +10,7 @@ HomeFolder HomeFolder::ofUser()
     return HomeFolder(QDir::homePath());
 }
 
-HomeFolder::HomeFolder(QString path) : _path(QDir::cleanPath(std::move(path))) {}
+HomeFolder::HomeFolder(const QString& path) : _path(QDir::cleanPath(path)) {}
 
 QString HomeFolder::supportFolder() const
 {

@@ -9,7 +9,7 @@ class HomeFolder final {
 public:
     /// The user's own home folder ($HOME).
     [[nodiscard]] static HomeFolder ofUser();
-    explicit HomeFolder(QString path);
+    explicit HomeFolder(const QString& path);
 
     [[nodiscard]] QString path() const { return _path; }
     /// "Library/Application Support/QuarrySpotter"

@@ -11,11 +11,11 @@ namespace quarry {
 /// whole and within the limits.
 struct LoadedPage {
     QByteArray bytes;
-    QString contentType;     ///< The Content-Type header as sent, with its charset, or empty.
-    QString finalAddress;    ///< The address after redirects.
-    int httpStatus = 0;      ///< 0 when no reply came.
-    double seconds = 0.0;    ///< From the request to the last byte.
-    QString error;           ///< One line for a person: "connection refused", "HTTP status 503", ...
+    QString contentType;  ///< The Content-Type header as sent, with its charset, or empty.
+    QString finalAddress; ///< The address after redirects.
+    int httpStatus = 0;   ///< 0 when no reply came.
+    double seconds = 0.0; ///< From the request to the last byte.
+    QString error;        ///< One line for a person: "connection refused", "HTTP status 503", ...
 
     [[nodiscard]] bool ok() const { return error.isEmpty(); }
 };

@@ -2,8 +2,9 @@
 
 #include <QFile>
 
-#include <limits.h>
 #include <unistd.h>
+
+#include <climits>
 
 namespace quarry {
 
