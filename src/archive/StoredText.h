@@ -57,7 +57,7 @@ private:
         return _encoding == Encoding::Ascii ? std::size_t(_length) : std::size_t(_length) * 2;
     }
 
-    const char* _bytes = nullptr;
+    const char* _bytes = "";
     std::uint32_t _length = 0;
     Encoding _encoding = Encoding::Ascii;
     bool _owned = false;
