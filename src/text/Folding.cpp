@@ -2,6 +2,8 @@
 
 #include <QChar>
 
+#include <unicode/unistr.h>
+
 #include <algorithm>
 
 namespace quarry {
@@ -23,6 +25,14 @@ bool isDiacritic(char32_t character)
     return combining == 1 || (combining >= 10 && combining <= 36) || combining >= 200;
 }
 
+/// Full case folding ("ß" as "ss"), where QString folds only characters that keep their number.
+QString caseFolded(const QString& text)
+{
+    icu::UnicodeString folded(reinterpret_cast<const char16_t*>(text.utf16()), static_cast<int32_t>(text.size()));
+    folded.foldCase();
+    return QString::fromUtf16(folded.getBuffer(), folded.length());
+}
+
 } // namespace
 
 QString foldedText(QStringView text)
@@ -37,7 +47,7 @@ QString foldedText(QStringView text)
             kept.append(QChar::fromUcs4(character));
     }
     // Composed again, so that a syllable of Hangul is a letter and not the beginning of a longer one.
-    return kept.toCaseFolded().normalized(QString::NormalizationForm_C);
+    return caseFolded(kept).normalized(QString::NormalizationForm_C);
 }
 
 FoldedNeedle::FoldedNeedle(QStringView needle) : _folded(foldedText(needle)), _isAscii(isAscii(_folded)) {}
