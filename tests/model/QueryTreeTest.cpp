@@ -43,7 +43,8 @@ TEST(QueryTree, InsertsAtAnIndexButAppendsAtZeroAndPastTheEnd)
     for (const auto& [name, index] : std::vector<std::pair<QString, qint64>>{
              {"a"_q, 0}, {"b"_q, 0}, {"c"_q, 1}, {"d"_q, 3}, {"e"_q, -1}, {"f"_q, 9}})
         root->insertChild(folder(name), index);
-    for (const QueryCorePtr& child : *root->childs())
+    const QList<QueryCorePtr> childs = *root->childs();
+    for (const QueryCorePtr& child : childs)
         names += child->title();
     EXPECT_EQ(names, "acbdef"_q);
 }
