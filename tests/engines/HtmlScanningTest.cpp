@@ -1,0 +1,215 @@
+#include "engines/HtmlScanning.h"
+
+#include "engines/NaiveScanning.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace quarry {
+namespace {
+
+QStringList texts(const QList<QStringView>& views)
+{
+    QStringList list;
+    for (const QStringView view : views)
+        list += view.toString();
+    return list;
+}
+
+/// Texts that are little else than markers and pieces of markers.
+class MarkerSoup final {
+public:
+    explicit MarkerSoup(unsigned seed) : _random(seed) {}
+
+    QString text(int pieces)
+    {
+        static const QStringList Pieces = {
+            u"<"_qs,
+            u">"_qs,
+            u"-"_qs,
+            u"--"_qs,
+            u"!"_qs,
+            u"/"_qs,
+            u"\n"_qs,
+            u"\r"_qs,
+            u"\t"_qs,
+            u" "_qs,
+            u"x"_qs,
+            u"\U0001F600"_qs,
+            u"<scr"_qs,
+            u"ipt>"_qs,
+            u"<script>"_qs,
+            u"</script>"_qs,
+            u"</scr"_qs,
+            u"<\u017Fcript"_qs,
+            u"</SCRIPT>"_qs,
+            u"<!--"_qs,
+            u"-->"_qs,
+            u"<!"_qs,
+            u"<wbr />"_qs,
+            u"<wb"_qs,
+            u"r />"_qs,
+            u"<WBR\t/>"_qs,
+            u"<w"_qs,
+            u"<li"_qs,
+            u"<li>"_qs,
+            u"</li>"_qs,
+            u"</LI"_qs,
+            u" class=\"g\""_qs,
+            u" CLASS=g"_qs,
+            u" class='g'"_qs,
+            u" id='k'"_qs,
+            u" id=\u212A"_qs,
+            u" id=\"k\""_qs,
+            u"<a href=\"u"_qs,
+            u" href='v"_qs,
+            u" ourl=\"w"_qs,
+            u"\""_qs,
+            u"'"_qs,
+            u"some filling text that is longer than one block"_qs,
+        };
+        QString text;
+        for (int i = 0; i < pieces; ++i)
+            text += Pieces.at(std::uniform_int_distribution<qsizetype>(0, Pieces.size() - 1)(_random));
+        return text;
+    }
+
+private:
+    std::mt19937 _random;
+};
+
+TEST(ScanCopy, EqualsTheSixPassesOnMarkerSoup)
+{
+    MarkerSoup soup(1);
+    for (int round = 0; round < 6000; ++round) {
+        const QString page = soup.text(round % 60);
+        const QString copy = ScanCopy(page).text().toString() + QLatin1Char(' ');
+        ASSERT_EQ(copy, naive::scanCopy(page)) << qPrintable(page);
+    }
+}
+
+TEST(ScanCopy, KeepsTheOddCases)
+{
+    const struct {
+        const char16_t* page;
+        const char16_t* copy;
+    } cases[] = {
+        {u"a<scr<script>x</script>ipt>y</script>b", u"ab"},
+        {u"a<scr\nipt>x</scr\ript>b", u"ab"},
+        {u"a<!-->b<!-- c -->d", u"abd"},
+        {u"a<!<!-- x -->-- y -->b", u"ab"},
+        {u"a<!-<!-- x -->->b", u"ab"},
+        {u"a<script>never closed<!-- but this is -->b", u"a<script>never closedb"},
+        {u"a<!-- <script> --> </script> -->b", u"ab"},
+        {u"a<wb<wbr />r />b", u"a<wbr />b"},
+        {u"a<scr<!-- -->ipt>x</script>b", u"a<script>x</script>b"},
+        {u"", u""},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(ScanCopy(QStringView(c.page)).text(), QStringView(c.copy))
+            << qPrintable(QString::fromUtf16(c.page));
+    // What a removal joined is removed when the part is scanned by itself.
+    const ScanCopy joined(u"<p>a<scr<!-- -->ipt>x</script>b</p>");
+    EXPECT_EQ(joined.part(joined.text().mid(3)).text(), u"ab</p>");
+}
+
+TEST(HtmlScanning, ElementsEqualTheNaiveWalkOnMarkerSoup)
+{
+    MarkerSoup soup(2);
+    qsizetype found = 0;
+    for (int round = 0; round < 4000; ++round) {
+        const QString page = soup.text(40);
+        const ScanCopy copy(page);
+        const struct {
+            QStringList real;
+            const char16_t* opening;
+        } scans[] = {
+            {texts(contentsOfTagWithAttribute(u"li", u"class", u"g", copy, true)), u" class=\"g\""},
+            {texts(contentsOfTagWithAttribute(u"li", u"class", u"g", copy, false)), u" class=g"},
+            {texts(contentsOfTagWithAttribute(u"li", u"id", u"k", copy, true, u'\'')), u" id='k'"},
+            {texts(contentsOfTagWithAttribute(u"li", u"id", u"k", copy, false, u'\'')), u" id=k"},
+        };
+        for (const auto& scan : scans) {
+            const QStringList expected = naive::elements(u"li"_qs, QString::fromUtf16(scan.opening), page);
+            ASSERT_EQ(scan.real, expected) << qPrintable(page);
+            found += expected.size();
+        }
+        // A scan within a part is a scan of the part's text.
+        const QStringList outer = texts(contentsOfTagWithClass(u"li", std::nullopt, copy, false));
+        const QStringList outerExpected = naive::elements(u"li"_qs, u"<li"_qs, page);
+        ASSERT_EQ(outer, outerExpected.isEmpty() ? QStringList{QString()} : outerExpected);
+        const QList<QStringView> parts = contentsOfTagWithClass(u"li", std::nullopt, copy, false);
+        const ScanCopy part = copy.part(parts.first());
+        ASSERT_EQ(texts(contentsOfTagWithAttribute(u"li", u"class", u"g", part, true)),
+                  naive::elements(u"li"_qs, u" class=\"g\""_qs, parts.first().toString()));
+    }
+    EXPECT_GT(found, 4000);
+}
+
+TEST(HtmlScanning, TargetsEqualTheNaiveWalkOnMarkerSoup)
+{
+    MarkerSoup soup(3);
+    int found = 0;
+    for (int round = 0; round < 6000; ++round) {
+        const QString page = soup.text(30);
+        const ScanCopy copy(page);
+        const struct {
+            QStringView real;
+            QString expected;
+        } scans[] = {
+            {targetOfLinkWithClass(std::nullopt, copy), naive::target({u"a href"_qs}, u"href=\""_qs, u'"', page)},
+            {targetOfLinkWithClass(u"g", copy),
+             naive::target({u" class=\"g\""_qs, u" class=g"_qs}, u"href=\""_qs, u'"', page)},
+            {targetOfLinkWithClass(u"", copy),
+             naive::target({u" class=\"\""_qs, u" class="_qs}, u"href=\""_qs, u'"', page)},
+            {targetOfLinkWithId(u"k", copy, u'\''), naive::target({u" id='k'"_qs}, u"href='"_qs, u'\'', page)},
+            {targetOfLinkWithId(u"k", copy, 0), naive::target({u" id=k"_qs}, u"href=\""_qs, u'"', page)},
+            {targetOfYahooLinkWithClass(u"g", copy),
+             naive::target({u" class=\"g\""_qs, u" class=g"_qs}, u"ourl=\""_qs, u'"', page)},
+        };
+        for (const auto& scan : scans) {
+            ASSERT_EQ(scan.real, scan.expected) << qPrintable(page);
+            found += scan.expected.isEmpty() ? 0 : 1;
+        }
+    }
+    EXPECT_GT(found, 1000);
+}
+
+TEST(HtmlScanning, CollectsElementsByTheirRules)
+{
+    const auto items = [](const char16_t* page) {
+        return texts(contentsOfTagWithClass(u"li", u"g", ScanCopy(QStringView(page)), true));
+    };
+    EXPECT_EQ(items(u"<li class=\"g\">A<li class=\"x\">B</li>C</li><li class=\"g\">D</li>"),
+              QStringList({u"A<li class=\"x\">B</li>C"_qs, u"D"_qs}));
+    EXPECT_EQ(items(u"<LI CLASS=\"G\">A</LI>"), QStringList{u"A"_qs});
+    EXPECT_EQ(items(u"<p class=\"g\">A<link></li>B</li>"), QStringList{u"A<link></li>B"_qs}) << "a name is a prefix";
+    EXPECT_EQ(items(u"<li class=\"g\"></li><li class=\"g\">B</li>"), QStringList{QString()}) << "an empty one ends it";
+    EXPECT_EQ(items(u"<li class=\"g\">A<b>B"), QStringList{u"A<b>B"_qs}) << "not closed";
+    EXPECT_EQ(items(u"<li class=\"g\""), QStringList{QString()});
+    EXPECT_EQ(items(u"nothing"), QStringList{QString()});
+    EXPECT_EQ(items(u"<li class=\"g\" title=\"a>b\">A</li>"), QStringList{u"b\">A"_qs}) << "quotes are not looked at";
+    EXPECT_TRUE(contentsOfTagWithAttribute(u"li", u"class", u"g", ScanCopy(u"nothing"), true).isEmpty());
+    EXPECT_EQ(extractDIVNamed(u"web", ScanCopy(u"<div id=\"web\">A<div>B</div></div>C")), u"A<div>B</div>");
+    EXPECT_EQ(extractDIVNamed(u"web", ScanCopy(u"<div id=\"we\">A</div>")), u"");
+}
+
+TEST(HtmlScanning, CleansRedirectingLinks)
+{
+    const auto cleaned = [](const char16_t* text) {
+        const auto link = Url::fromText(QString::fromUtf16(text));
+        const auto url = link ? cleanGoogleLink(*link) : std::nullopt;
+        return url ? url->absoluteString() : u"none"_qs;
+    };
+    EXPECT_EQ(cleaned(u"/url?q=http://a.org/x%20y&amp;sa=U&amp;ei=1"), u"http://a.org/x%20y");
+    EXPECT_EQ(cleaned(u"/URL?Q=http://a.org/%3Fb%3D1&AMP;sa=U"), u"http://a.org/?b=1");
+    EXPECT_EQ(cleaned(u"/url?q=http://a.org/&sa=U"), u"none");
+    EXPECT_EQ(cleaned(u"/url?q=&amp;sa=U"), u"none");
+    EXPECT_EQ(cleaned(u"http://a.org/%C3%A9"), u"http://a.org/%C3%A9");
+    EXPECT_EQ(cleaned(u"http://a.org/%7Eb"), u"http://a.org/~b");
+    EXPECT_EQ(cleaned(u"http://a.org/%FF"), u"http://a.org/%FF") << "escapes that are no UTF-8 stay";
+}
+
+} // namespace
+} // namespace quarry
