@@ -1,0 +1,128 @@
+#include "gateway/Document.h"
+
+#include "gateway/DocumentTitle.h"
+#include "gateway/Gzip.h"
+#include "gateway/HtmlText.h"
+#include "gateway/Markup.h"
+
+#include <QStringDecoder>
+
+namespace quarry {
+
+namespace {
+
+QByteArray withoutGzip(const QByteArray& path)
+{
+    return path.endsWith(".gz") ? path.chopped(3) : path;
+}
+
+QByteArray extension(const QByteArray& path)
+{
+    const qsizetype dot = path.lastIndexOf('.');
+    return dot > path.lastIndexOf('/') ? path.mid(dot + 1).toLower() : QByteArray();
+}
+
+bool isHtmlName(const QByteArray& path)
+{
+    static const QList<QByteArray> extensions = {"html", "htm", "xhtml"};
+    return extensions.contains(extension(path));
+}
+
+bool hasUtf16Mark(const QByteArray& bytes)
+{
+    return bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF");
+}
+
+bool isBinary(const QByteArray& bytes)
+{
+    return !hasUtf16Mark(bytes) && (bytes.startsWith("%PDF-") || bytes.contains('\0'));
+}
+
+/// A text that was cut may end inside a character.
+bool isUtf8(const QByteArray& bytes)
+{
+    constexpr qsizetype longestCharacter = 4;
+    qsizetype end = bytes.size();
+    while (end > 0 && bytes.size() - end < longestCharacter && (bytes[end - 1] & 0xC0) == 0x80)
+        --end;
+    const bool endsInLead = end > 0 && (bytes[end - 1] & 0xC0) == 0xC0;
+    return bytes.isValidUtf8() || (endsInLead && bytes.first(end - 1).isValidUtf8());
+}
+
+QByteArray decoded(const QByteArray& bytes, const QByteArray& declaredCharset)
+{
+    if (bytes.startsWith("\xEF\xBB\xBF"))
+        return bytes.mid(3);
+    if (hasUtf16Mark(bytes))
+        return QString(QStringDecoder(QStringDecoder::Utf16)(bytes)).toUtf8();
+    if (isUtf8(bytes))
+        return bytes;
+    QStringDecoder declared(declaredCharset.constData());
+    if (declared.isValid())
+        return QString(declared(bytes)).toUtf8();
+    return QString::fromLatin1(bytes).toUtf8();
+}
+
+} // namespace
+
+std::optional<Document> Document::fromFile(const QByteArray& path, const QByteArray& bytes, qsizetype limit)
+{
+    QByteArray content = bytes;
+    if (path.endsWith(".gz")) {
+        const std::optional<QByteArray> expanded = gunzipped(bytes, limit);
+        if (!expanded)
+            return std::nullopt;
+        content = *expanded;
+    }
+    content.truncate(limit);
+    const QByteArray name = withoutGzip(path);
+    if (!isCandidate(name) || isBinary(content))
+        return std::nullopt;
+    Document result;
+    result.kind = isHtmlName(name) ? Kind::Html : Kind::Text;
+    result.text = decoded(content, result.kind == Kind::Html ? HtmlText::declaredCharset(content) : QByteArray());
+    result.title = documentTitle(result, name);
+    return result;
+}
+
+bool Document::isCandidate(const QByteArray& name)
+{
+    static const QList<QByteArray> others = {"css", "js",  "map", "svg", "png", "gif", "jpg", "jpeg",
+                                             "ico", "pdf", "ps",  "zip", "tar", "tgz", "bz2", "xz",
+                                             "zst", "so",  "o",   "a",   "db",  "ttf"};
+    return !others.contains(extension(withoutGzip(name)));
+}
+
+QByteArray Document::plainText() const
+{
+    return collapsed(kind == Kind::Html ? HtmlText::fromPage(text).body : text);
+}
+
+QByteArray Document::page() const
+{
+    if (kind == Kind::Html)
+        return text;
+    return "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>" + escapedMarkup(title) +
+           "</title></head>\n<body><pre>\n" + escapedMarkup(text) + "</pre></body></html>\n";
+}
+
+QByteArray collapsed(const QByteArray& text)
+{
+    QByteArray result(text.size(), Qt::Uninitialized);
+    char* to = result.data();
+    bool pendingSpace = false;
+    for (const char c : text) {
+        if (static_cast<unsigned char>(c) <= 0x20 || c == 0x7F) {
+            pendingSpace = to != result.data();
+            continue;
+        }
+        if (pendingSpace)
+            *to++ = ' ';
+        pendingSpace = false;
+        *to++ = c;
+    }
+    result.truncate(to - result.data());
+    return result;
+}
+
+} // namespace quarry

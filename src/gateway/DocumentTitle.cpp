@@ -1,0 +1,95 @@
+#include "gateway/DocumentTitle.h"
+
+#include "gateway/HtmlText.h"
+
+namespace quarry {
+
+namespace {
+
+constexpr qsizetype longestTitle = 120;
+constexpr int linesLookedAt = 40;
+
+bool hasLetters(const QByteArray& line)
+{
+    // Bytes above ASCII belong to letters far more often than not.
+    return std::count_if(line.begin(), line.end(), [](char c) {
+               return std::isalpha(static_cast<unsigned char>(c)) != 0 || static_cast<unsigned char>(c) >= 0x80;
+           }) >= 2;
+}
+
+/// "Format: 1.0", "-*- mode -*-", "#!/bin/sh", ".. include::": what programs read, not people.
+bool isMachineLine(const QByteArray& line)
+{
+    if (line.startsWith("#!") || line.startsWith("-*-") || line.startsWith("..") || line.startsWith("<!") ||
+        line.startsWith("/*"))
+        return true;
+    const qsizetype colon = line.indexOf(':');
+    const qsizetype space = line.indexOf(' ');
+    return colon > 0 && (space < 0 || space > colon);
+}
+
+QByteArray withoutHeadingMarks(QByteArray line)
+{
+    if (!line.startsWith('#') && !line.startsWith('=') && !line.startsWith('*'))
+        return line;
+    const char mark = line[0];
+    while (line.startsWith(mark))
+        line = line.mid(1);
+    while (line.endsWith(mark))
+        line.chop(1);
+    return line.trimmed();
+}
+
+QByteArray headingOf(const QByteArray& text)
+{
+    qsizetype begin = 0;
+    for (int i = 0; i < linesLookedAt && begin < text.size(); ++i) {
+        const qsizetype feed = text.indexOf('\n', begin);
+        const qsizetype end = feed < 0 ? text.size() : feed;
+        const QByteArray line = collapsed(text.mid(begin, std::min<qsizetype>(end - begin, 4 * longestTitle)));
+        // Only a text that begins with fields has none of its lines for a title.
+        if (isMachineLine(line) && !line.startsWith("#!") && line.indexOf(':') > 0)
+            return {};
+        const QByteArray heading = withoutHeadingMarks(line);
+        if (!isMachineLine(line) && hasLetters(heading))
+            return heading;
+        begin = end + 1;
+    }
+    return {};
+}
+
+QByteArray nameOf(const QByteArray& path)
+{
+    const qsizetype slash = path.lastIndexOf('/');
+    if (slash <= 0)
+        return path.mid(slash + 1);
+    const qsizetype before = path.lastIndexOf('/', slash - 1);
+    return path.mid(slash + 1) + " (" + path.mid(before + 1, slash - before - 1) + ')';
+}
+
+/// At most so many bytes, cut between words where there are any, else between characters.
+QByteArray shortened(const QByteArray& title)
+{
+    if (title.size() <= longestTitle)
+        return title;
+    qsizetype end = title.lastIndexOf(' ', longestTitle);
+    if (end < longestTitle / 2) {
+        end = longestTitle;
+        while (end > 0 && (title[end] & 0xC0) == 0x80)
+            --end;
+    }
+    return title.first(end) + "\u2026";
+}
+
+} // namespace
+
+QByteArray documentTitle(const Document& document, const QByteArray& path)
+{
+    QByteArray title = document.kind == Document::Kind::Html ? collapsed(HtmlText::fromPage(document.text).title)
+                                                             : headingOf(document.text);
+    if (!hasLetters(title))
+        title = collapsed(QString::fromUtf8(nameOf(path)).toUtf8()); // A name need not be UTF-8.
+    return title.isEmpty() ? QByteArrayLiteral("document") : shortened(title);
+}
+
+} // namespace quarry

@@ -1,0 +1,154 @@
+#include "gateway/HtmlText.h"
+
+#include <QChar>
+#include <QString>
+
+namespace quarry {
+
+namespace {
+
+bool startsWithWord(QByteArrayView text, qsizetype at, QByteArrayView word)
+{
+    return at + word.size() <= text.size() && text.sliced(at, word.size()).compare(word, Qt::CaseInsensitive) == 0;
+}
+
+qsizetype find(QByteArrayView text, QByteArrayView word, qsizetype from)
+{
+    for (qsizetype at = text.indexOf(word[0], from); at >= 0; at = text.indexOf(word[0], at + 1)) {
+        if (startsWithWord(text, at, word))
+            return at;
+    }
+    return -1;
+}
+
+/// One after the ">" that ends the tag at that "<"; a ">" in a quoted value does not.
+qsizetype endOfTag(QByteArrayView page, qsizetype at)
+{
+    char quote = 0;
+    for (; at < page.size(); ++at) {
+        const char c = page[at];
+        if (quote != 0)
+            quote = c == quote ? char(0) : quote;
+        else if ((c == '"' || c == '\'') && page[at - 1] == '=')
+            quote = c;
+        else if (c == '>')
+            return at + 1;
+    }
+    return page.size();
+}
+
+QByteArray tagName(QByteArrayView page, qsizetype at)
+{
+    qsizetype end = at;
+    while (end < page.size() && (std::isalnum(static_cast<unsigned char>(page[end])) != 0 || page[end] == '/'))
+        ++end;
+    return page.sliced(at, end - at).toByteArray().toLower();
+}
+
+/// Tags inside a word or a sentence; every other one ends a word.
+bool isInline(QByteArrayView name)
+{
+    static const QList<QByteArray> names = {"a", "abbr", "b",     "code", "em",     "font", "i", "kbd", "mark",
+                                            "q", "samp", "small", "span", "strong", "tt",   "u", "var", "wbr"};
+    return names.contains(name.startsWith('/') ? name.sliced(1) : name);
+}
+
+QByteArray entity(QByteArrayView name)
+{
+    static const QHash<QByteArray, QByteArray> named = {
+        {"amp", "&"},         {"lt", "<"},         {"gt", ">"},          {"quot", "\""},       {"apos", "'"},
+        {"nbsp", " "},        {"copy", "\u00A9"},  {"reg", "\u00AE"},    {"ndash", "\u2013"},  {"mdash", "\u2014"},
+        {"lsquo", "\u2018"},  {"rsquo", "\u2019"}, {"ldquo", "\u201C"},  {"rdquo", "\u201D"},  {"hellip", "\u2026"},
+        {"auml", "\u00E4"},   {"ouml", "\u00F6"},  {"uuml", "\u00FC"},   {"szlig", "\u00DF"},  {"Auml", "\u00C4"},
+        {"Ouml", "\u00D6"},   {"Uuml", "\u00DC"},  {"eacute", "\u00E9"}, {"egrave", "\u00E8"}, {"ecirc", "\u00EA"},
+        {"agrave", "\u00E0"}, {"acirc", "\u00E2"}, {"ccedil", "\u00E7"}, {"bull", "\u2022"},   {"middot", "\u00B7"},
+        {"laquo", "\u00AB"},  {"raquo", "\u00BB"}, {"euro", "\u20AC"},   {"sect", "\u00A7"},   {"deg", "\u00B0"}};
+    if (!name.startsWith('#'))
+        return named.value(name.toByteArray());
+    const bool isHex = name.size() > 1 && (name[1] == 'x' || name[1] == 'X');
+    bool ok = false;
+    const uint code = name.sliced(isHex ? 2 : 1).toByteArray().toUInt(&ok, isHex ? 16 : 10);
+    if (!ok || code < 0x20 || code > 0x10FFFF || (code >= 0xD800 && code < 0xE000))
+        return ok ? QByteArray(" ") : QByteArray();
+    const auto character = static_cast<char32_t>(code);
+    return QString::fromUcs4(&character, 1).toUtf8();
+}
+
+void appendText(QByteArray& to, QByteArrayView text)
+{
+    constexpr qsizetype longestName = 10;
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        const qsizetype end = text[at] == '&' ? text.indexOf(';', at) : -1;
+        const QByteArray decoded =
+            end > at + 1 && end - at <= longestName ? entity(text.sliced(at + 1, end - at - 1)) : QByteArray();
+        if (decoded.isEmpty()) {
+            to += text[at];
+        } else {
+            to += decoded;
+            at = end;
+        }
+    }
+}
+
+/// The end of an element whose content is no text: from its close tag on.
+qsizetype skipElement(QByteArrayView page, qsizetype at, const QByteArray& name)
+{
+    const qsizetype close = find(page, QByteArray("</" + name), at);
+    return close < 0 ? page.size() : endOfTag(page, close + 1);
+}
+
+} // namespace
+
+HtmlText HtmlText::fromPage(QByteArrayView page)
+{
+    HtmlText result;
+    qsizetype at = 0;
+    while (at < page.size()) {
+        const qsizetype open = page.indexOf('<', at);
+        appendText(result.body, page.sliced(at, (open < 0 ? page.size() : open) - at));
+        if (open < 0)
+            break;
+        if (startsWithWord(page, open, "<!--")) {
+            const qsizetype end = page.indexOf("-->", open + 4);
+            at = end < 0 ? page.size() : end + 3;
+            continue;
+        }
+        const QByteArray name = tagName(page, open + 1);
+        if (name.isEmpty() && !startsWithWord(page, open, "<!") && !startsWithWord(page, open, "<?")) {
+            result.body += '<'; // A "<" that opens no tag is text.
+            at = open + 1;
+            continue;
+        }
+        at = endOfTag(page, open + 1);
+        if (name == "script" || name == "style") {
+            at = skipElement(page, at, name);
+        } else if (name == "title") {
+            const qsizetype close = find(page, "</title", at);
+            const QByteArrayView text = page.sliced(at, (close < 0 ? page.size() : close) - at);
+            if (result.title.isEmpty())
+                appendText(result.title, text);
+            at += text.size();
+        } else if (!isInline(name)) {
+            result.body += '\n';
+        }
+    }
+    return result;
+}
+
+QByteArray HtmlText::declaredCharset(QByteArrayView page)
+{
+    const QByteArrayView head = page.first(std::min<qsizetype>(page.size(), 2048));
+    qsizetype at = find(head, "charset=", 0);
+    if (at < 0)
+        return {};
+    at += 8;
+    while (at < head.size() && (head[at] == '"' || head[at] == '\''))
+        ++at;
+    qsizetype end = at;
+    while (end < head.size() &&
+           (std::isalnum(static_cast<unsigned char>(head[end])) != 0 || head[end] == '-' || head[end] == '_'))
+        ++end;
+    return head.sliced(at, end - at).toByteArray();
+}
+
+} // namespace quarry
