@@ -117,8 +117,11 @@ TEST(QueryDefinition, ACombinedChangeKeepsTheJoinedText)
 
 TEST(QueryDefinition, AnUpdateIsNotSwappedInAfterAnyStoredChange)
 {
-    const QueryCorePtr node = advanced();
+    const ResultRecord record = recordNamed("a"_q);
+    const QueryCorePtr node = queryWith({record, record, record, record});
     const std::vector<std::function<void()>> changes = {
+        [&] { node->markItemAsRead(record); },  [&] { (void)node->setRating(2, record); },
+        [&] { node->setHidden(true, record); }, [&] { node->markAllItemAsRead(); },
         [&] { node->setTitle(Words); },         [&] { node->setEnabled(false); },
         [&] { node->setCheckBlacklist(true); }, [&] { node->changeWithQuery(Words, 1, Site); },
         [&] { node->excludeURLString(Site); },  [&] { node->includeHost(Site); },

@@ -2,6 +2,7 @@
 #include "model/QueryCore.h"
 #include "model/TreeLock.h"
 
+#include <atomic>
 #include <thread>
 
 namespace quarry {
@@ -9,7 +10,7 @@ namespace quarry {
 namespace {
 
 constexpr int MarkCount = 200;
-constexpr int MergeCount = 60;
+constexpr int MostMerges = 2000;
 
 /// One merge of an update: made from a snapshot off the lock, done again when the node changed meanwhile.
 void mergeOne(const QueryCorePtr& node, const ResultRecord& found)
@@ -34,17 +35,24 @@ TEST(QueryThreads, NoMarkIsLostWhileUpdatesMerge)
         records << recordNamed(QString::number(i));
     const QueryCorePtr node = queryWith(records);
 
-    std::thread update([&node] {
-        for (int i = 0; i < MergeCount; ++i)
-            mergeOne(node, recordNamed("new%1"_q.arg(i)));
+    std::atomic<int> merges = 0;
+    std::atomic<bool> allMarked = false;
+    std::thread update([&] {
+        while (!allMarked && merges < MostMerges) {
+            mergeOne(node, recordNamed("new%1"_q.arg(merges)));
+            ++merges;
+            merges.notify_one();
+        }
     });
+    merges.wait(0);
     for (const ResultRecord& record : records) {
         const TreeLock together;
         node->markItemAsRead(*node->currentRecord(record));
     }
+    allMarked = true;
     update.join();
 
-    EXPECT_EQ(node->nbItems(), MarkCount + MergeCount);
+    EXPECT_EQ(node->nbItems(), MarkCount + merges);
     for (const ResultRecord& record : records)
         EXPECT_TRUE(node->currentRecord(record)->isRead()) << record.title()->toStdString();
 }
