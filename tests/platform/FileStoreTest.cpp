@@ -1,0 +1,126 @@
+#include "platform/FileStore.h"
+
+#include "platform/DamagedFile.h"
+#include "support/TemporaryHome.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+using namespace quarry;
+
+namespace {
+
+class FileStoreTest : public ::testing::Test {
+protected:
+    QString path(const char* name = "file") const { return folder.filePath(QString::fromUtf8(name)); }
+    QStringList names() const
+    {
+        return QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+    FileStore::WriteResult replace(const QByteArray& bytes)
+    {
+        return store.replace(path(), QStringLiteral(".dat"), 0660, bytes);
+    }
+
+    QTemporaryDir folder;
+    DiskFileStore store;
+};
+
+TEST_F(FileStoreTest, ReplacesAFileAndTellsItsStamp)
+{
+    const mode_t old = ::umask(077);
+    const auto first = replace("one");
+    ::umask(old);
+    ASSERT_TRUE(first.ok()) << first.error.toStdString();
+    EXPECT_EQ(store.stamp(path()), first.stamp);
+    struct stat status {};
+    ASSERT_EQ(::stat(QFile::encodeName(path()).constData(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0660U) << "whatever the process's mask";
+
+    const auto second = replace("two");
+    EXPECT_EQ(store.read(path()).bytes, "two");
+    EXPECT_EQ(store.read(path()).stamp, second.stamp);
+    EXPECT_EQ(names(), QStringList(QStringLiteral("file")));
+}
+
+TEST_F(FileStoreTest, TwoVersionsNeverShareADate)
+{
+    // In memory, many replacements fall within one step of the kernel's file times.
+    QTemporaryDir memory(QStringLiteral("/dev/shm/quarry-XXXXXX"));
+    const QString file = (memory.isValid() ? memory : folder).filePath(QStringLiteral("file"));
+    std::optional<FileStamp> previous;
+    for (int i = 0; i < 100; ++i) {
+        const auto written = store.replace(file, QStringLiteral(".dat"), 0660, QByteArray("x"));
+        ASSERT_TRUE(written.ok());
+        if (previous) {
+            EXPECT_NE(written.stamp.modifiedNanoseconds, previous->modifiedNanoseconds);
+        }
+        EXPECT_EQ(store.stamp(file), written.stamp);
+        previous = written.stamp;
+    }
+}
+
+TEST_F(FileStoreTest, LargeAndSmallPiecesArriveInOrder)
+{
+    QByteArray expected;
+    const auto written = store.replace(path(), QStringLiteral(".dat"), 0600, [&](ByteSink& sink) {
+        for (const int size : {1, 300000, 7, 262144, 0, 5, 1000000}) {
+            const QByteArray piece(size, char('a' + expected.size() % 26));
+            expected += piece;
+            if (!sink.append(piece.constData(), static_cast<std::size_t>(size)))
+                return false;
+        }
+        return true;
+    });
+    EXPECT_TRUE(written.ok());
+    EXPECT_EQ(store.read(path()).bytes, expected);
+}
+
+TEST_F(FileStoreTest, AFailureLeavesTheOldFileAndNoTemporary)
+{
+    ASSERT_TRUE(replace("kept").ok());
+    const auto unmade = store.replace(path(), QStringLiteral(".dat"), 0660,
+                                      [](ByteSink& sink) { return sink.append("half", 4) && false; });
+    EXPECT_FALSE(unmade.ok());
+
+    QProcess child;
+    child.start(QStringLiteral(PLATFORM_CHILD), {QStringLiteral("write"), path()});
+    ASSERT_TRUE(child.waitForFinished(60000));
+    EXPECT_EQ(child.exitCode(), 0);
+    EXPECT_TRUE(child.readAllStandardOutput().contains(": File too large"));
+
+    EXPECT_EQ(store.read(path()).bytes, "kept");
+    EXPECT_EQ(names(), QStringList(QStringLiteral("file")));
+    EXPECT_FALSE(store.replace(path("missing/file"), QStringLiteral(".dat"), 0660, QByteArray()).ok());
+}
+
+TEST_F(FileStoreTest, ReadingTellsMissingFromUnreadable)
+{
+    const auto missing = store.read(path());
+    EXPECT_TRUE(missing.error.isEmpty());
+    EXPECT_FALSE(missing.stamp);
+    EXPECT_FALSE(store.stamp(path()));
+
+    EXPECT_FALSE(store.read(folder.path()).error.isEmpty()) << "a folder";
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path("pipe")).constData(), 0600), 0);
+    EXPECT_FALSE(store.read(path("pipe")).error.isEmpty()) << "a pipe must not be waited for";
+}
+
+TEST_F(FileStoreTest, ADamagedFileIsCopiedAsideOnceAndNeverOverACopy)
+{
+    const Date date = Date::fromUnixSeconds(1795232730); // 2026-11-21 03:45:30 UTC
+    const auto copy = [&](const QByteArray& bytes) { return copyDamagedFileAside(store, path("D.x"), bytes, date); };
+    const DamagedCopy first = copy("one");
+    EXPECT_TRUE(first.path.endsWith(QLatin1String("/D.damaged-2026-11-21-034530.x"))) << first.path.toStdString();
+    EXPECT_EQ(copy("one").path, first.path);
+    const DamagedCopy second = copy("two");
+    EXPECT_TRUE(second.path.endsWith(QLatin1String("/D.damaged-2026-11-21-034530-2.x")));
+    EXPECT_EQ(store.read(first.path).bytes, "one");
+    EXPECT_EQ(store.read(second.path).bytes, "two");
+    EXPECT_EQ(names().size(), 2);
+}
+
+} // namespace
