@@ -28,6 +28,9 @@ struct QuerySummary {
 
 /// The single owner of the query tree: loads it from the database file, reloads it when another process rewrote
 /// the file, saves it, starts and counts updates. One a process, but tests make as many as they like. Thread-safe.
+///
+/// A reload replaces every node: a node held from before belongs to the old tree from then on. Nodes are looked up
+/// again (queryForUUID) inside an edit. No operation that may touch the file is called while the tree lock is held.
 class QueryDatabaseEngine final {
 public:
     /// What an engine works with. References must outlive it.
@@ -57,9 +60,11 @@ public:
     static void setDefaultDatabase(std::unique_ptr<QueryDatabaseEngine> engine);
 
     // --- File ---------------------------------------------------------------------------------------------------
-    /// Dropped while a save is being written, and, unless forced, within 60 seconds of the last. Returns false only
-    /// when it was tried and failed; lastError() then says why.
+    /// Dropped while a save is being written, and, unless forced, within 60 seconds of the last; within an edit it is
+    /// left to the edit's own. Takes the writer lock. Returns false only when it was tried and failed, which is also
+    /// so when another program changed the file since it was last read here; lastError() then says why.
     bool saveDatabase(bool force);
+    /// Reads the file again when its modification date is another than the one last seen. Does nothing within an edit.
     void dbSynchCheck();
     /// One line for a person about the last failed load or save; empty when it went well.
     [[nodiscard]] QString lastError() const;
@@ -68,8 +73,12 @@ public:
 
     /// One change to the database that nobody else's change can get lost in: takes the writer lock, reloads if the
     /// file changed, applies the change, saves (forced), lets go. `change` returns an empty text to go on, or the
-    /// reason for which nothing is to be saved. Answers that reason, or why it could not be saved; empty: done.
-    [[nodiscard]] QString edit(const std::function<QString(QueryDatabaseEngine&)>& change);
+    /// reason for which nothing is to be saved; it must then have changed nothing. It looks its nodes up itself, since
+    /// the tree may be a new one, and is applied once more when a program that does not take the lock comes between.
+    /// Answers that reason, or why it could not be saved, in which case the tree is again what the file holds;
+    /// empty: done.
+    using Change = std::function<QString(QueryDatabaseEngine&)>;
+    [[nodiscard]] QString edit(const Change& change);
 
     // --- Tree ---------------------------------------------------------------------------------------------------
     [[nodiscard]] QueryCorePtr rootQuery();
@@ -108,6 +117,10 @@ public:
 
 private:
     struct Impl;
+    /// Reloads if the file changed, then applies. Answers the reason for which nothing is to be saved.
+    QString applyToCurrentTree(const Change& change);
+    QueryCorePtr appendToRoot(const QueryCorePtr& node);
+
     std::unique_ptr<Impl> _impl;
 };
 

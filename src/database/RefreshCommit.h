@@ -46,6 +46,7 @@ public:
 private:
     QueryDatabaseEngine& _database;
     Merge _merge;
+    std::mutex _committing; ///< One commit at a time.
     mutable std::mutex _mutex;
     std::vector<BroughtLinks> _waiting;
 };
