@@ -21,8 +21,8 @@ enum class QueryKind { Plain, Advanced, Combined, Folder };
 
 /// What a tree needs of the program around it.
 struct TreeServices {
-    /// How findParentOfQuery finds a node by its UUID. Called without the tree lock, and for as long as nodes live
-    /// that were in the tree: what it reaches for it must not keep alive, nor take for being there.
+    /// How findParentOfQuery finds a node by its UUID. Nodes that left the tree still call it, so it must neither
+    /// keep the tree alive nor rely on it being there. The model does not hold the tree lock meanwhile.
     std::function<QueryCorePtr(const QString& uuid)> findByUuid;
     /// The folder that holds the page caches ("Caches"); node UUIDs name its sub-folders. Empty: nothing is deleted.
     QString cachesFolder;

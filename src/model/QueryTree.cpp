@@ -131,7 +131,8 @@ void QueryCore::removeChild(const QueryCorePtr& child)
 {
     if (!child)
         return;
-    const QueryCorePtr kept = child; // The caller may hand in a reference into the very list it is removed from.
+    // The caller may hand in a reference into the very list that the child is removed from.
+    const QueryCorePtr kept = child->shared_from_this();
     const TreeLock lock;
     kept->setParent(nullptr);
     if (_childs && _childs->removeAll(kept) > 0)
@@ -142,7 +143,7 @@ void QueryCore::deleteChild(const QueryCorePtr& child)
 {
     if (!child)
         return;
-    const QueryCorePtr kept = child;
+    const QueryCorePtr kept = child->shared_from_this();
     const TreeLock lock;
     removeChild(kept);
     kept->delete_();

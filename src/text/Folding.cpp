@@ -1,6 +1,7 @@
 #include "text/Folding.h"
 
 #include <QChar>
+#include <QList>
 
 #include <unicode/unistr.h>
 
