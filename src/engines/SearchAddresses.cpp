@@ -157,7 +157,7 @@ QString fillSearchUrl(const QString& address, const QString& query, const QStrin
     return filled;
 }
 
-QString finishedSearchUrl(const QString& address, int start, bool ampersandMarkers)
+QString finishedSearchUrl(const QString& address, qint64 start, bool ampersandMarkers)
 {
     QString finished = address;
     finished.replace(QLatin1String("^start_"), QString::number(start));

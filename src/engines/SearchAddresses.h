@@ -44,6 +44,6 @@ private:
 
 /// The address of the page that begins with the result at that offset: the offset filled in, the whole percent-escaped
 /// as UTF-8.
-[[nodiscard]] QString finishedSearchUrl(const QString& address, int start, bool ampersandMarkers);
+[[nodiscard]] QString finishedSearchUrl(const QString& address, qint64 start, bool ampersandMarkers);
 
 } // namespace quarry

@@ -19,7 +19,7 @@ namespace quarry {
 struct PageFacts {
     enum class Source { Nowhere, Cache, Network };
 
-    int start = 0;                   ///< Offset of its first result.
+    qint64 start = 0;                ///< Offset of its first result.
     QString address;                 ///< The finished address.
     Source source = Source::Nowhere; ///< Nowhere: there was no page.
     int httpStatus = 0;              ///< 0 without a reply.

@@ -107,8 +107,7 @@ TEST(ScanCopy, KeepsTheOddCases)
         {u"", u""},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(ScanCopy(QStringView(c.page)).text(), QStringView(c.copy))
-            << qPrintable(QString::fromUtf16(c.page));
+        EXPECT_EQ(ScanCopy(QStringView(c.page)).text(), QStringView(c.copy)) << qPrintable(QString::fromUtf16(c.page));
     // What a removal joined is removed when the part is scanned by itself.
     const ScanCopy joined(u"<p>a<scr<!-- -->ipt>x</script>b</p>");
     EXPECT_EQ(joined.part(joined.text().mid(3)).text(), u"ab</p>");

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "engines/SearchService.h"
+#include "text/PageDecoding.h"
+#include "text/Url.h"
+
+#include <QList>
+#include <QString>
+#include <QStringView>
+
+namespace quarry {
+
+class ScanCopy;
+
+/// The texts that stand for a description that is not there.
+struct DescriptionPlaceholders {
+    QString noDescription; ///< "100_No description"
+    QString pdfExtract;    ///< "122_PDF Extract"
+};
+
+/// A result as a page shows it. One with an empty title has a rank but makes no record.
+struct FoundLink {
+    QString title;
+    Url url;
+    QString description;
+};
+
+/// What one result page holds.
+struct ExtractedPage {
+    bool hasResultsArea = false;
+    int items = 0; ///< Result elements, those that hold no link included.
+    QList<FoundLink> links;
+};
+
+/// Cuts the results out of a service's result page, in page order. `start` is the offset the page was asked for.
+/// Nothing is found in any page of Exalead, whose extraction is switched off. Reentrant.
+[[nodiscard]] ExtractedPage extractPage(SearchService service, const DecodedPage& page, qint64 start,
+                                        const DescriptionPlaceholders& placeholders);
+
+/// The result blocks of a page of Ixquick: the elements of class "result" in apostrophes.
+[[nodiscard]] QList<QStringView> extractIxquickFromPage(const ScanCopy& page);
+
+} // namespace quarry
