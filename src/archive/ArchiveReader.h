@@ -56,6 +56,12 @@ public:
     {
         return _plist ? _plist->element(_container, _first + index) : _slots[index];
     }
+    /// The references as they lie in the file; empty for the older spelling.
+    [[nodiscard]] std::string_view bytes() const
+    {
+        const std::size_t width = _plist ? _plist->referenceWidth() : 0;
+        return {reinterpret_cast<const char*>(_container.bytes) + _first * width, _count * width};
+    }
 
 private:
     const BinaryPlist* _plist = nullptr;

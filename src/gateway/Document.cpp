@@ -38,15 +38,18 @@ bool isBinary(const QByteArray& bytes)
     return !hasUtf16Mark(bytes) && (bytes.startsWith("%PDF-") || bytes.contains('\0'));
 }
 
-/// A text that was cut may end inside a character.
-bool isUtf8(const QByteArray& bytes)
+/// The text itself, without the part of a character that a cut may leave at its end; none when it is not UTF-8.
+std::optional<QByteArray> asUtf8(const QByteArray& bytes)
 {
+    if (bytes.isValidUtf8())
+        return bytes;
     constexpr qsizetype longestCharacter = 4;
-    qsizetype end = bytes.size();
-    while (end > 0 && bytes.size() - end < longestCharacter && (bytes[end - 1] & 0xC0) == 0x80)
-        --end;
-    const bool endsInLead = end > 0 && (bytes[end - 1] & 0xC0) == 0xC0;
-    return bytes.isValidUtf8() || (endsInLead && bytes.first(end - 1).isValidUtf8());
+    for (qsizetype end = bytes.size() - 1; end >= 0 && bytes.size() - end < longestCharacter; --end) {
+        const bool isLead = (bytes[end] & 0xC0) == 0xC0;
+        if (isLead && bytes.first(end).isValidUtf8())
+            return bytes.first(end);
+    }
+    return std::nullopt;
 }
 
 QByteArray decoded(const QByteArray& bytes, const QByteArray& declaredCharset)
@@ -55,8 +58,8 @@ QByteArray decoded(const QByteArray& bytes, const QByteArray& declaredCharset)
         return bytes.mid(3);
     if (hasUtf16Mark(bytes))
         return QString(QStringDecoder(QStringDecoder::Utf16)(bytes)).toUtf8();
-    if (isUtf8(bytes))
-        return bytes;
+    if (const std::optional<QByteArray> utf8 = asUtf8(bytes))
+        return *utf8;
     QStringDecoder declared(declaredCharset.constData());
     if (declared.isValid())
         return QString(declared(bytes)).toUtf8();
@@ -69,16 +72,18 @@ std::optional<Document> Document::fromFile(const QByteArray& path, const QByteAr
 {
     QByteArray content = bytes;
     if (path.endsWith(".gz")) {
-        const std::optional<QByteArray> expanded = gunzipped(bytes, limit);
+        const std::optional<QByteArray> expanded = gunzipped(bytes, limit + 1);
         if (!expanded)
             return std::nullopt;
         content = *expanded;
     }
+    const bool isCut = content.size() > limit;
     content.truncate(limit);
     const QByteArray name = withoutGzip(path);
     if (!isCandidate(name) || isBinary(content))
         return std::nullopt;
     Document result;
+    result.isCut = isCut;
     result.kind = isHtmlName(name) ? Kind::Html : Kind::Text;
     result.text = decoded(content, result.kind == Kind::Html ? HtmlText::declaredCharset(content) : QByteArray());
     result.title = documentTitle(result, name);
@@ -103,7 +108,8 @@ QByteArray Document::page() const
     if (kind == Kind::Html)
         return text;
     return "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>" + escapedMarkup(title) +
-           "</title></head>\n<body><pre>\n" + escapedMarkup(text) + "</pre></body></html>\n";
+           "</title></head>\n<body><pre>\n" + escapedMarkup(text) + "</pre>" +
+           (isCut ? "<p>The document goes on; only its beginning is shown here.</p>" : "") + "</body></html>\n";
 }
 
 QByteArray collapsed(const QByteArray& text)

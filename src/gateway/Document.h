@@ -11,15 +11,16 @@ struct Document {
     enum class Kind { Text, Html };
 
     Kind kind = Kind::Text;
-    QByteArray title; ///< Never empty; one line.
-    QByteArray text;  ///< Decoded, the kind's own markup included.
+    QByteArray title;   ///< Never empty; one line.
+    QByteArray text;    ///< Decoded, the kind's own markup included.
+    bool isCut = false; ///< There is more than this.
 
     /// At most that many bytes of a decoded document are looked at: for the index, and for a page.
     static constexpr qsizetype indexLimit = 128 * 1024;
     static constexpr qsizetype pageLimit = 4 * 1024 * 1024;
 
-    /// From the file's bytes, which may be cut at the limit; none when it is no document: binary, or a file that only
-    /// serves others (style sheets, scripts). The path gives the kind, and the title where the text has none.
+    /// From the file's bytes, cut at the limit or one byte later; none when it is no document: binary, or a file that
+    /// only serves others (style sheets, scripts). The path gives the kind, and the title where the text has none.
     [[nodiscard]] static std::optional<Document> fromFile(const QByteArray& path, const QByteArray& bytes,
                                                           qsizetype limit);
     /// Whether a file of that name is worth opening.

@@ -40,6 +40,21 @@ QByteArray withoutHeadingMarks(QByteArray line)
     return line.trimmed();
 }
 
+/// Markdown's "[text](target)" and "![text](target)" as the text alone.
+QByteArray withoutLinks(QByteArray line)
+{
+    for (qsizetype middle = line.indexOf("]("); middle >= 0; middle = line.indexOf("](")) {
+        const qsizetype open = line.lastIndexOf('[', middle);
+        const qsizetype close = line.indexOf(')', middle);
+        if (open < 0 || close < 0)
+            break;
+        line.remove(middle, close + 1 - middle);
+        const qsizetype begin = open > 0 && line[open - 1] == '!' ? open - 1 : open;
+        line.remove(begin, open + 1 - begin);
+    }
+    return line;
+}
+
 QByteArray headingOf(const QByteArray& text)
 {
     qsizetype begin = 0;
@@ -50,7 +65,7 @@ QByteArray headingOf(const QByteArray& text)
         // Only a text that begins with fields has none of its lines for a title.
         if (isMachineLine(line) && !line.startsWith("#!") && line.indexOf(':') > 0)
             return {};
-        const QByteArray heading = withoutHeadingMarks(line);
+        const QByteArray heading = withoutLinks(withoutHeadingMarks(line));
         if (!isMachineLine(line) && hasLetters(heading))
             return heading;
         begin = end + 1;

@@ -12,6 +12,17 @@ QByteArray joined(const QByteArray& folder, const QByteArray& name)
     return folder.isEmpty() ? name : folder + '/' + name;
 }
 
+/// File systems date a change only to some milliseconds: a file that was written just now may be written once more
+/// without its stamp telling. Such a stamp is made unlike any other, so that the next look reads the file again.
+FileStamp lastingStamp(FileStamp stamp)
+{
+    constexpr std::chrono::nanoseconds coarsestClock = std::chrono::seconds(2);
+    const std::chrono::nanoseconds now = std::chrono::system_clock::now().time_since_epoch();
+    if (now.count() - stamp.modifiedNanoseconds < coarsestClock.count())
+        stamp.modifiedNanoseconds = -1;
+    return stamp;
+}
+
 /// Files that may be documents. A compressed file beside the plain one of the same name is a copy of it: both would
 /// go by one address.
 std::vector<ContainedFolder::Entry> candidates(const std::vector<ContainedFolder::Entry>& entries)
@@ -43,6 +54,7 @@ void FolderReader::readAll(const Progress& progress)
     SqliteTransaction transaction = _index.begin();
     readTreeAgain(QByteArray());
     transaction.commit();
+    _isBehind = false;
     _progress = nullptr;
     _lastFullLook = std::chrono::steady_clock::now();
 }
@@ -50,10 +62,11 @@ void FolderReader::readAll(const Progress& progress)
 void FolderReader::readChanges()
 {
     FolderWatch::Changes changes = _watch.take();
-    if (!_watch.isComplete() && std::chrono::steady_clock::now() - _lastFullLook >= betweenFullLooks)
-        changes.everything = true;
+    const bool isDue = !_watch.isComplete() && std::chrono::steady_clock::now() - _lastFullLook >= betweenFullLooks;
+    changes.everything = changes.everything || isDue || _isBehind;
     if (changes.isEmpty())
         return;
+    _isBehind = true;
     if (changes.everything)
         return readAll(nullptr);
     SqliteTransaction transaction = _index.begin();
@@ -64,12 +77,13 @@ void FolderReader::readChanges()
     for (const QByteArray& folder : changes.trees)
         readTreeAgain(folder);
     transaction.commit();
+    _isBehind = false;
 }
 
 std::optional<Document> FolderReader::document(const QByteArray& path) const
 {
     for (const QByteArray& name : {path, path + ".gz"}) {
-        const auto content = _folder.read(name, Document::pageLimit);
+        const auto content = _folder.read(name, Document::pageLimit + 1);
         if (content)
             return Document::fromFile(name, content->bytes, Document::pageLimit);
     }
@@ -137,7 +151,7 @@ void FolderReader::readFile(const QByteArray& folder, const ContainedFolder::Ent
     std::optional<DocumentIndex::Text> text;
     if (document)
         text = {document->title, document->plainText()};
-    _index.add(folder, entry.name, content->stamp, text);
+    _index.add(folder, entry.name, lastingStamp(content->stamp), text);
 }
 
 } // namespace quarry

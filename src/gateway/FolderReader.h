@@ -40,6 +40,7 @@ private:
     FolderWatch _watch;
     Progress _progress;
     std::int64_t _filesRead = 0;
+    bool _isBehind = false; ///< Changes were taken from the watch and not brought in: the index failed.
     std::chrono::steady_clock::time_point _lastFullLook;
 };
 

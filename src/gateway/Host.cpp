@@ -7,7 +7,7 @@ namespace quarry {
 QByteArray hostOf(const QByteArray& hostAndPort)
 {
     const qsizetype colon = hostAndPort.indexOf(':', hostAndPort.startsWith('[') ? hostAndPort.indexOf(']') : 0);
-    const QByteArray host = hostAndPort.left(colon).toLower();
+    const QByteArray host = hostAndPort.mid(0, colon).toLower();
     const bool isHost = std::all_of(host.begin(), host.end(), [](char c) {
         return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '.' || c == '-' || c == '_' || c == ':' ||
                c == '[' || c == ']';
@@ -35,7 +35,7 @@ QByteArray placeOf(const QString& site, const QByteArray& ownHost)
             place.remove(0, static_cast<qsizetype>(qstrlen(scheme)));
     }
     const qsizetype slash = place.indexOf('/');
-    const QByteArray host = hostOf(place.left(slash));
+    const QByteArray host = hostOf(place.mid(0, slash));
     const bool isOwn = !host.isEmpty() && (host == ownHost || isLoopbackHost(host));
     if (isOwn)
         place = slash < 0 ? QByteArray() : place.mid(slash);

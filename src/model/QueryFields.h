@@ -17,6 +17,12 @@ namespace quarry {
 /// identity.
 using FilterObject = std::shared_ptr<const OpaqueObject>;
 
+/// A child that is no node of a known class, carried through at its place among the children.
+struct OpaqueChild {
+    qsizetype index = 0;
+    std::shared_ptr<const OpaqueObject> value;
+};
+
 /// The stored fields of one node, without its place in the tree. Copying is cheap: the lists are implicitly
 /// shared, so a copy taken under the tree lock is a consistent snapshot.
 struct QueryFields {
@@ -45,6 +51,9 @@ struct QueryFields {
     bool _highlightState = false;
     /// Entries of the stored node that this program does not know, written back as they were.
     QList<OpaqueEntry> _unknownEntries;
+    QList<OpaqueChild> _unknownChilds;
+    /// The node in the file it was read from, to which values that are carried through may refer; none for a new one.
+    std::shared_ptr<const OpaqueObject> _source;
 };
 
 } // namespace quarry

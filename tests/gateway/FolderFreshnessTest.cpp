@@ -1,0 +1,149 @@
+#include "gateway/RunningGateway.h"
+
+#include <zlib.h>
+
+namespace quarry {
+
+namespace {
+
+QByteArray gzipped(const QByteArray& bytes)
+{
+    z_stream stream = {};
+    EXPECT_EQ(deflateInit2(&stream, 9, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY), Z_OK);
+    QByteArray input = bytes;
+    QByteArray result(bytes.size() + 1024, '\0');
+    stream.next_in = reinterpret_cast<Bytef*>(input.data());
+    stream.avail_in = static_cast<uInt>(input.size());
+    stream.next_out = reinterpret_cast<Bytef*>(result.data());
+    stream.avail_out = static_cast<uInt>(result.size());
+    EXPECT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
+    result.truncate(static_cast<qsizetype>(stream.total_out));
+    deflateEnd(&stream);
+    return result;
+}
+
+QStringList list(std::initializer_list<const char*> names)
+{
+    QStringList result;
+    for (const char* name : names)
+        result += QString::fromUtf8(name);
+    return result;
+}
+
+class FolderFreshness : public testing::Test {
+protected:
+    [[nodiscard]] QStringList found() const
+    {
+        QStringList names = gateway.find("query=walnut");
+        names.sort();
+        return names;
+    }
+    void rename(const char* from, const char* to) const
+    {
+        ASSERT_TRUE(QFile::rename(gateway.path(QString::fromUtf8(from)), gateway.path(QString::fromUtf8(to))));
+    }
+    void write(const char* name, const QByteArray& bytes) const { gateway.write(QString::fromUtf8(name), bytes); }
+
+    RunningGateway gateway;
+};
+
+TEST_F(FolderFreshness, TheNextSearchSeesWhateverHappenedToAFile)
+{
+    write("first.txt", "walnut");
+    gateway.start();
+    EXPECT_EQ(found(), list({"first.txt"}));
+    write("second.txt", "a walnut more");
+    EXPECT_EQ(found(), list({"first.txt", "second.txt"}));
+    // Same length, same file, within the file system's clock tick.
+    write("first.txt", "almond");
+    EXPECT_EQ(found(), list({"second.txt"}));
+    write("first.txt", "walnut");
+    EXPECT_EQ(found(), list({"first.txt", "second.txt"}));
+    rename("second.txt", "third.txt");
+    EXPECT_EQ(found(), list({"first.txt", "third.txt"}));
+    ASSERT_TRUE(QFile::remove(gateway.path(QStringLiteral("first.txt"))));
+    EXPECT_EQ(found(), list({"third.txt"}));
+    write("third.txt", QByteArray("walnut\0binary", 13));
+    EXPECT_EQ(found(), QStringList());
+}
+
+TEST_F(FolderFreshness, TheNextSearchSeesWhateverHappenedToAFolder)
+{
+    gateway.start();
+    EXPECT_EQ(found(), QStringList());
+    write("new/deep/tree/a.txt", "walnut");
+    EXPECT_EQ(found(), list({"new/deep/tree/a.txt"}));
+    rename("new/deep", "new/renamed");
+    EXPECT_EQ(found(), list({"new/renamed/tree/a.txt"}));
+    write("new/renamed/tree/b.txt", "walnut"); // The watch has to go by the new name.
+    EXPECT_EQ(found(), list({"new/renamed/tree/a.txt", "new/renamed/tree/b.txt"}));
+    // Another folder takes the place of the old one.
+    rename("new/renamed", "new/aside");
+    write("new/renamed/tree/c.txt", "walnut");
+    EXPECT_EQ(found(), list({"new/aside/tree/a.txt", "new/aside/tree/b.txt", "new/renamed/tree/c.txt"}));
+    ASSERT_TRUE(QDir(gateway.path(QStringLiteral("new"))).removeRecursively());
+    EXPECT_EQ(found(), QStringList());
+}
+
+TEST_F(FolderFreshness, CompressedDocumentsGoByTheNameOfWhatTheyHold)
+{
+    write("changelog.gz", gzipped("walnut (1.0) stable\n\n  * First release.\n"));
+    write("twice.txt", "walnut, the newer text");
+    write("twice.txt.gz", gzipped("walnut, a copy"));
+    write("broken.gz", "walnut, not compressed at all");
+    write("bomb.gz", gzipped(QByteArray(64 * 1024 * 1024, 'x')));
+    gateway.start();
+    EXPECT_EQ(found(), list({"changelog", "twice.txt"}));
+    EXPECT_TRUE(gateway.get("/doc/changelog").body.contains("* First release."));
+    EXPECT_TRUE(gateway.get("/doc/twice.txt").body.contains("newer"));
+    EXPECT_LT(gateway.get("/doc/bomb").body.size(), 5 * 1024 * 1024);
+    // Without the plain one the compressed one is a document of its own.
+    ASSERT_TRUE(QFile::remove(gateway.path(QStringLiteral("twice.txt"))));
+    EXPECT_EQ(found(), list({"changelog", "twice.txt"}));
+    EXPECT_TRUE(gateway.get("/doc/twice.txt").body.contains("a copy"));
+}
+
+TEST(IndexFile, IsTakenUpAgainAndReadsOnlyWhatChanged)
+{
+    QTemporaryDir folder;
+    RunningGateway gateway(folder.filePath(QStringLiteral("index")));
+    int filesRead = 0;
+    gateway.setProgress([&filesRead](std::int64_t) {
+        ++filesRead;
+        return true;
+    });
+    for (const char* name : {"a.txt", "b/b.txt", "b/c.txt"}) {
+        gateway.write(QString::fromUtf8(name), "walnut");
+        // Old enough for its date to tell every change.
+        QFile file(gateway.path(QString::fromUtf8(name)));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.setFileTime(QDateTime::fromSecsSinceEpoch(1'000'000'000), QFileDevice::FileModificationTime));
+    }
+    gateway.start();
+    EXPECT_EQ(std::exchange(filesRead, 0), 3);
+    gateway.stop();
+    gateway.write(QStringLiteral("b/b.txt"), "almond");
+    ASSERT_TRUE(QFile::remove(gateway.path(QStringLiteral("a.txt"))));
+    gateway.start();
+    EXPECT_EQ(filesRead, 1);
+    EXPECT_EQ(gateway.find("query=walnut"), list({"b/c.txt"}));
+    EXPECT_EQ(gateway.find("query=almond"), list({"b/b.txt"}));
+}
+
+TEST(IndexFile, OfAnotherProgramIsLeftAlone)
+{
+    QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("precious"));
+    {
+        SqliteDatabase other(file);
+        other.run("CREATE TABLE precious(x); INSERT INTO precious VALUES(42)");
+    }
+    QString error;
+    EXPECT_FALSE(FolderSource::open({folder.path(), file, {}}, &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("another program"))) << qPrintable(error);
+    EXPECT_EQ(SqliteDatabase(file).number("SELECT x FROM precious"), 42);
+}
+
+} // namespace
+
+} // namespace quarry

@@ -1,0 +1,171 @@
+#include "gateway/RunningGateway.h"
+
+namespace quarry {
+
+namespace {
+
+class GatewayPages : public testing::Test {
+protected:
+    void write(const char* name, const QByteArray& bytes) const { gateway.write(QString::fromUtf8(name), bytes); }
+    RunningGateway gateway;
+};
+
+TEST_F(GatewayPages, WhatIsAskedForIsFoundAndNothingElse)
+{
+    write("tea/green.txt", "Green tea\n\nLeaves steamed, then dried. Brew at eighty degrees.\n");
+    write("tea/black.txt", "Black tea\n\nLeaves dried, then left to oxidise; brew with boiling water.\n");
+    write("coffee/filter.md", "# Filter coffee\n\nGround beans; brew with water just off the boil. C++ is no drink.\n");
+    write("coffee.txt", "Caf\u00E9 culture\n\nWhere people drink it.\n");
+    gateway.start();
+    const QByteArray host = gateway.base().mid(7);
+    struct Case {
+        QByteArray parameters;
+        QStringList expected; ///< Sorted.
+    };
+    const QString green = QStringLiteral("tea/green.txt");
+    const QString black = QStringLiteral("tea/black.txt");
+    const QString filter = QStringLiteral("coffee/filter.md");
+    const QString cafe = QStringLiteral("coffee.txt");
+    const QList<Case> cases = {
+        {"query=brew", {filter, black, green}},
+        {"query=BREW+leaves", {black, green}},
+        {"query=brew%20leaves", {black, green}},
+        {"query=%22leaves+dried%22", {black}},
+        {"query=%22dried+leaves%22", {}},
+        {"query=%22leaves+dried", {black}},
+        {"query=leaves+-oxidise", {green}},
+        {"query=-oxidise", {}},
+        {"query=steamed+OR+oxidise", {black, green}},
+        {"query=brew+steamed+OR+ground", {filter, green}},
+        {"query=OR+steamed+OR", {green}},
+        {"query=cafe", {cafe}},
+        {"query=caf%C3%A9", {cafe}},
+        {"query=c%2B%2B", {filter}},
+        {"query=brew+%26+-+!", {filter, black, green}},
+        {"query=!!!", {}},
+        {"query=", {}},
+        {"", {}},
+        {"query=leaves+NEAR(dried)", {}},
+        {"query=title:green", {}},
+        {"query=gree*", {}},
+        {"query=%22%22%22leaves%22", {black, green}},
+        {"query=%FF%FEleaves%00", {black, green}},
+        {"query=brew+site:tea", {black, green}},
+        {"query=brew+site:te", {}},
+        {"query=brew+site:/doc/tea/", {black, green}},
+        {"query=brew+site:" + host, {filter, black, green}},
+        {"query=brew+site:http://" + host + "/doc/coffee", {filter}},
+        {"query=brew+site:localhost/doc/tea/green.txt", {green}},
+        {"query=brew+site:www.example.com", {}},
+        {"query=brew+SITE:tea+site:coffee", {}},
+        {"query=site:tea", {black, green}},
+        {"query=site:coffee", {filter}},
+        {"query=!+site:coffee", {filter}},
+    };
+    for (const Case& each : cases) {
+        QStringList found = gateway.find(each.parameters);
+        found.sort();
+        EXPECT_EQ(found, each.expected) << each.parameters.constData();
+    }
+    EXPECT_EQ(gateway.find("query=" + QByteArray(3000, 'a').replace("aaa", "ab+")).size(), 0);
+    // The services' own site parameters.
+    EXPECT_TRUE(gateway.get("/search?client=x&q=brew&as_sitesearch=coffee").body.contains("1 to 1 of 1"));
+    EXPECT_TRUE(gateway.get("/search?ei=UTF-8&b=0&p=brew&vs=" + host + "/doc/tea").body.contains("1 to 2 of 2"));
+    EXPECT_TRUE(gateway.get("/search?setmkt=en&first=0&q=nothing").body.contains("No document matches <b>nothing</b>"));
+}
+
+TEST_F(GatewayPages, NothingFromOutsideBecomesMarkup)
+{
+    const char* const hostile =
+        "<script>alert(1)</script>\"'><li class=\"g\">&lt;b&gt;</div> needle\n\n<!-- needle\x02\x03 -->\n";
+    write("hostile.txt", hostile);
+    write("page.html",
+          QByteArray("<title>&lt;script&gt;alert(2)&lt;/script&gt; \"'</title><p>needle &lt;script&gt;</p>"));
+    write("na<b>\"'&me #1?%41;.txt", "needle in a strange name");
+    gateway.start();
+    const QByteArray typed = "q=needle&start=0&client=%3Cscript%3E";
+    const QList<QByteArray> targets = {"/search?" + typed,
+                                       "/search?first=0&" + typed.left(8),
+                                       "/search?b=0&p=needle",
+                                       "/search/results?q=needle",
+                                       "/do/metasearch.pl?query=needle",
+                                       "/do/metasearch.pl?query=%3Cscript%3E%22%27%3E+needle",
+                                       "/search?start=0&q=%22%3E%3Cscript%3Enothing%27",
+                                       "/doc/hostile.txt",
+                                       "/%3Cscript%3E",
+                                       "/doc/%3Cscript%3E"};
+    for (const QByteArray& target : targets) {
+        const RunningGateway::Page page = gateway.get(target);
+        EXPECT_FALSE(page.body.contains("<script")) << target.constData();
+        EXPECT_FALSE(page.body.contains("<!-- ")) << target.constData();
+        EXPECT_EQ(page.header("Content-Type"), "text/html; charset=utf-8") << target.constData();
+        EXPECT_TRUE(page.header("Content-Security-Policy").contains("default-src 'none'")) << target.constData();
+    }
+    EXPECT_EQ(gateway.get("/search?" + typed).body.count("<li class=\"g\">"), 3);
+    const QStringList found = gateway.find("query=strange");
+    ASSERT_EQ(found.size(), 1);
+    EXPECT_TRUE(gateway.get("/doc/" + found[0].toUtf8()).body.contains("needle in a strange name"));
+}
+
+TEST_F(GatewayPages, DocumentsKeepTheirLettersAndTitles)
+{
+    struct Case {
+        const char* name;
+        QByteArray content;
+        QByteArray title;
+    };
+    const QList<Case> cases = {
+        {"utf8.txt", "Stra\u00DFe und Weg\n\nmarker", "Stra\u00DFe und Weg"},
+        {"latin1.txt",
+         "Stra\xDF"
+         "e und Steg\n\nmarker",
+         "Stra\u00DFe und Steg"},
+        {"mark.txt", "\xEF\xBB\xBFMarked title\nmarker", "Marked title"},
+        {"utf16.txt", QByteArray("\xFF\xFEW\0i\0d\0e\0\n\0m\0a\0r\0k\0e\0r\0", 24), "Wide"},
+        {"plain.md", "\n\n## The *second* heading ##\nmarker", "The *second* heading"},
+        {"link.md", "# [Name](http://x/) ![i](y) here\nmarker", "Name i here"},
+        {"ruled.txt", "=========\n\nUnder a rule\n=========\nmarker", "Under a rule"},
+        {"fields/copyright", "Format: http://x/\nmarker", "copyright (fields)"},
+        {"script.sh", "#!/bin/sh\n# Says marker\n", "Says marker"},
+        {"empty-title.html", "<title> </title><p>marker", "empty-title.html"},
+        {"page.html",
+         "<html><head><TITLE>A &amp; B\n &eacute;&#8212;</TITLE><script>var x = '<b>unseen</b>';</script></head>"
+         "<body>mar<b>ker</b><!-- <p>unseen --><p>x</p></body></html>",
+         "A &amp; B \u00E9\u2014"},
+        {"latin1.html", "<meta charset=\"iso-8859-1\"><title>Caf\xE9</title>marker", "Caf\u00E9"},
+        {"numbers.txt", "12345\n67890 marker 1\n", "67890 marker 1"},
+    };
+    for (const Case& each : cases)
+        write(each.name, each.content);
+    gateway.start();
+    const QByteArray pages =
+        gateway.get("/search?start=0&q=marker").body + gateway.get("/search?start=10&q=marker").body;
+    for (const Case& each : cases) {
+        const qsizetype link = pages.indexOf("/doc/" + QByteArray(each.name) + "&amp;");
+        ASSERT_GE(link, 0) << each.name;
+        const qsizetype begin = pages.indexOf("\">", link) + 2;
+        EXPECT_EQ(pages.mid(begin, pages.indexOf("</a>", begin) - begin), each.title) << each.name;
+    }
+    EXPECT_TRUE(gateway.get("/doc/latin1.txt").body.contains("Stra\u00DFe und Steg"));
+    EXPECT_TRUE(gateway.get("/doc/page.html").header("Content-Security-Policy").contains("sandbox"));
+    EXPECT_TRUE(gateway.get("/search?q=unseen").body.contains("No document matches"));
+    EXPECT_TRUE(gateway.get("/").body.contains("13 documents"));
+}
+
+TEST_F(GatewayPages, BigDocumentsAreCutAndStillWhole)
+{
+    // Cut in the middle of a character, for the index and for the page.
+    const QByteArray text = "Big\nmarker " + QByteArray("\u00E9").repeated(3 * 1024 * 1024) + " beyond";
+    write("big.txt", text);
+    gateway.start();
+    EXPECT_EQ(gateway.find("query=marker"), QStringList(QStringLiteral("big.txt")));
+    EXPECT_EQ(gateway.find("query=beyond"), QStringList());
+    const QByteArray page = gateway.get("/doc/big.txt").body;
+    EXPECT_TRUE(page.isValidUtf8());
+    EXPECT_TRUE(page.contains("goes on"));
+    EXPECT_LT(page.size(), 4 * 1024 * 1024 + 1000);
+}
+
+} // namespace
+
+} // namespace quarry
