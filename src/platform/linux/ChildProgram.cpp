@@ -98,7 +98,12 @@ int start(const QByteArray& program, const QStringList& arguments, int output, p
     ::posix_spawn_file_actions_init(&actions);
     ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     ::posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
-    const int failure = ::posix_spawn(&child, program.constData(), &actions, nullptr, pointers.data(), environ);
+    // A process group of its own: an interrupt from the terminal comes to this process only and is passed on once.
+    posix_spawnattr_t attributes;
+    ::posix_spawnattr_init(&attributes);
+    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
+    const int failure = ::posix_spawn(&child, program.constData(), &actions, &attributes, pointers.data(), environ);
+    ::posix_spawnattr_destroy(&attributes);
     ::posix_spawn_file_actions_destroy(&actions);
     return failure;
 }

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "apps/quarry/Outcome.h"
+#include "model/QueryCore.h"
+
+#include <QList>
+#include <QString>
+
+#include <functional>
+
+namespace quarry {
+
+/// A node and what went wrong when there is none.
+struct NamedNode {
+    QueryCorePtr node;
+    Outcome fault;
+    [[nodiscard]] bool ok() const { return node != nullptr; }
+};
+
+/// Finds the query or folder that a person means: by its UUID, by the beginning of it (4 characters or more), or by
+/// its title; when nothing fits exactly, by the title without regard to case. Several that fit are a fault that
+/// lists them.
+[[nodiscard]] NamedNode nodeNamed(const QueryCorePtr& root, const QString& name);
+/// The same for folders.
+[[nodiscard]] NamedNode folderNamed(const QueryCorePtr& root, const QString& name);
+
+/// All of them, in the order named, each once; or the first fault.
+struct NamedNodes {
+    QList<QueryCorePtr> nodes;
+    Outcome fault;
+    [[nodiscard]] bool ok() const { return fault.ok(); }
+};
+[[nodiscard]] NamedNodes nodesNamed(const QueryCorePtr& root, const QStringList& names);
+
+/// The node and everything below it, folders before their children.
+void walk(const QueryCorePtr& node, const std::function<void(const QueryCorePtr& node, int depth)>& visit,
+          int depth = 0);
+/// The queries below a folder, in order; a query itself.
+[[nodiscard]] QList<QueryCorePtr> queriesBelow(const QueryCorePtr& node);
+
+/// A title for a person: what the node is called, or a stand-in where it has no name.
+[[nodiscard]] QString shownTitle(const QueryCore& node);
+
+/// The records that a person means, out of those listed: by number (1 is the first), by "link uuid key" or the
+/// beginning of it (4 characters or more, not digits alone), or by address.
+struct NamedRecords {
+    ResultList records;
+    Outcome fault;
+    [[nodiscard]] bool ok() const { return fault.ok(); }
+};
+[[nodiscard]] NamedRecords recordsNamed(const ResultList& listed, const QStringList& names);
+
+} // namespace quarry

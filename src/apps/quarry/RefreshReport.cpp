@@ -1,0 +1,174 @@
+#include "apps/quarry/RefreshReport.h"
+
+#include "apps/quarry/Output.h"
+#include "platform/Terminal.h"
+
+#include <QJsonDocument>
+
+#include <cstdio>
+
+namespace quarry {
+
+namespace {
+
+constexpr qsizetype LongestStatus = 76;
+
+QString textIn(const QJsonObject& object, const char* key)
+{
+    return object.value(QLatin1String(key)).toString();
+}
+
+qint64 numberIn(const QJsonObject& object, const char* key)
+{
+    return object.value(QLatin1String(key)).toInteger();
+}
+
+/// "12 new, 2 excluded": what came of a query; only what is not zero, but always the new ones.
+QString linksText(const QJsonObject& event)
+{
+    QString text = QStringLiteral("%1 new").arg(numberIn(event, "added"));
+    if (const qint64 excluded = numberIn(event, "excluded"); excluded > 0)
+        text += QStringLiteral(", %1 excluded").arg(excluded);
+    if (const qint64 blacklisted = numberIn(event, "blacklisted"); blacklisted > 0)
+        text += QStringLiteral(", %1 blacklisted").arg(blacklisted);
+    return text;
+}
+
+QString outcomeText(const QJsonObject& event)
+{
+    const QString outcome = textIn(event, "outcome");
+    if (outcome == QLatin1String("updated"))
+        return linksText(event);
+    if (outcome == QLatin1String("recent"))
+        return QStringLiteral("asked less than 15 minutes ago, nothing done");
+    if (outcome == QLatin1String("unreachable"))
+        return QStringLiteral("no service could be read");
+    if (outcome == QLatin1String("removed"))
+        return QStringLiteral("removed meanwhile");
+    if (outcome == QLatin1String("failed"))
+        return QStringLiteral("failed: ") + shown(textIn(event, "error"));
+    return shown(outcome);
+}
+
+} // namespace
+
+RefreshReport::RefreshReport(Progress progress)
+    : _showsLines(progress == Progress::Lines), _showsStatus(_showsLines && isTerminal(stdout))
+{
+}
+
+void RefreshReport::take(const QByteArray& line)
+{
+    const QJsonObject event = QJsonDocument::fromJson(line).object();
+    const QString what = textIn(event, "event");
+    if (what == QLatin1String("refresh-started")) {
+        _expected = numberIn(event, "queries");
+        showStatus(QStringLiteral("%1 to refresh").arg(counted(_expected, QStringLiteral("query"))));
+    } else if (what == QLatin1String("service-asked")) {
+        showStatus(QStringLiteral("asking %1 for %2").arg(textIn(event, "service"), textIn(event, "title")));
+    } else if (what == QLatin1String("service-answered")) {
+        takeAnswer(event);
+    } else if (what == QLatin1String("query-finished")) {
+        takeEndOfQuery(event);
+    } else if (what == QLatin1String("message")) {
+        _messages.append(shown(textIn(event, "text")));
+    } else if (what == QLatin1String("save-failed")) {
+        _messages.append(QStringLiteral("could not be saved: ") + shown(textIn(event, "error")));
+    } else if (what == QLatin1String("refresh-finished")) {
+        _end = event;
+    }
+}
+
+void RefreshReport::takeAnswer(const QJsonObject& event)
+{
+    const QString error = textIn(event, "error");
+    if (error.isEmpty())
+        return;
+    ServiceFault& fault = _serviceFaults[shown(textIn(event, "service"))];
+    ++fault.count;
+    fault.error = shown(error);
+}
+
+void RefreshReport::takeEndOfQuery(const QJsonObject& event)
+{
+    _queries.append(QJsonObject{
+        {QStringLiteral("id"), event.value(QLatin1String("query"))},
+        {QStringLiteral("title"), event.value(QLatin1String("title"))},
+        {QStringLiteral("outcome"), event.value(QLatin1String("outcome"))},
+        {QStringLiteral("added"), event.value(QLatin1String("added"))},
+        {QStringLiteral("excluded"), event.value(QLatin1String("excluded"))},
+        {QStringLiteral("blacklisted"), event.value(QLatin1String("blacklisted"))},
+        {QStringLiteral("error"), textIn(event, "error")},
+    });
+    showLine(QStringLiteral("[%1/%2] %3: %4")
+                 .arg(_queries.size())
+                 .arg(std::max(_expected, qint64(_queries.size())))
+                 .arg(shown(textIn(event, "title")), outcomeText(event)));
+}
+
+void RefreshReport::finish()
+{
+    clearStatus();
+}
+
+QString RefreshReport::summary() const
+{
+    QString text = QStringLiteral("%1 updated: %2 added, %3 excluded, %4 blacklisted")
+                       .arg(counted(numberIn(_end, "updated"), QStringLiteral("query")))
+                       .arg(numberIn(_end, "added"))
+                       .arg(numberIn(_end, "excluded"))
+                       .arg(numberIn(_end, "blacklisted"));
+    if (const qint64 recent = numberIn(_end, "recent"); recent > 0)
+        text += QStringLiteral("; %1 asked less than 15 minutes ago").arg(recent);
+    if (const qint64 failed = numberIn(_end, "failed"); failed > 0)
+        text += QStringLiteral("; %1 failed").arg(failed);
+    if (const qint64 stopped = numberIn(_end, "stopped"); stopped > 0)
+        text += QStringLiteral("; %1 stopped").arg(stopped);
+    return text;
+}
+
+QStringList RefreshReport::faults() const
+{
+    QStringList lines = _messages;
+    for (auto fault = _serviceFaults.begin(); fault != _serviceFaults.end(); ++fault)
+        lines.append(QStringLiteral("%1 could not be read (%2): %3")
+                         .arg(fault.key(), counted(fault->count, QStringLiteral("time")), fault->error));
+    return lines;
+}
+
+QJsonObject RefreshReport::json() const
+{
+    QJsonObject object = {{QStringLiteral("queries"), _queries},
+                          {QStringLiteral("faults"), QJsonArray::fromStringList(faults())}};
+    for (const char* key : {"status", "updated", "recent", "failed", "stopped", "added", "excluded", "blacklisted"})
+        object.insert(QLatin1String(key), numberIn(_end, key));
+    return object;
+}
+
+void RefreshReport::showLine(const QString& line)
+{
+    if (!_showsLines)
+        return;
+    clearStatus();
+    writeOut(line + u'\n');
+    std::fflush(stdout);
+}
+
+void RefreshReport::showStatus(const QString& status)
+{
+    if (!_showsStatus)
+        return;
+    clearStatus();
+    writeOut(faint(shownWithin(status, LongestStatus)));
+    std::fflush(stdout);
+    _hasStatus = true;
+}
+
+void RefreshReport::clearStatus()
+{
+    if (_hasStatus)
+        writeOut(QStringLiteral("\r\x1b[K"));
+    _hasStatus = false;
+}
+
+} // namespace quarry

@@ -1,0 +1,22 @@
+#include "apps/quarry/CommandLine.h"
+#include "platform/SystemLog.h"
+
+/// `quarry`: the command line.
+int main(int argc, char** argv)
+{
+    using namespace quarry;
+    // Commands say themselves what went wrong; the engine's log lines would say it twice.
+    if (qEnvironmentVariableIsEmpty("QUARRY_DEBUG"))
+        setSystemLogSink([](const QString&) {});
+
+    CommandLine line(QStringLiteral(QUARRY_VERSION));
+    addListCommands(line);
+    addMakingCommands(line);
+    addTreeCommands(line);
+    addResultCommands(line);
+    addItemCommands(line);
+    addRefreshCommand(line);
+    addSettingsCommands(line);
+    addServicesCommand(line);
+    return line.run(argc, argv);
+}
