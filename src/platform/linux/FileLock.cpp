@@ -18,6 +18,9 @@ namespace quarry {
 
 namespace {
 
+/// Between two tries. Short, so that one who waits gets his turn beside one who takes the lock again and again.
+constexpr std::chrono::milliseconds LongestWait(4);
+
 /// An open descriptor that holds the lock; -1 when somebody else holds it or, with `fault` set, when it cannot
 /// be taken at all.
 int tryLock(const QByteArray& path, int& fault)
@@ -91,7 +94,7 @@ std::optional<FileLock> FileLock::acquire(const QString& path, std::chrono::mill
     using Clock = std::chrono::steady_clock;
     const QByteArray name = QFile::encodeName(path);
     const Clock::time_point deadline = Clock::now() + timeout;
-    for (std::chrono::milliseconds wait(1);; wait = std::min(wait * 2, std::chrono::milliseconds(50))) {
+    for (std::chrono::milliseconds wait(1);; wait = std::min(wait * 2, LongestWait)) {
         int fault = 0;
         const int descriptor = tryLock(name, fault);
         if (descriptor >= 0)
