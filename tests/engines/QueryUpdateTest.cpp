@@ -1,0 +1,354 @@
+#include "engines/QueryUpdate.h"
+
+#include "engines/Records.h"
+#include "engines/UpdateRig.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace quarry {
+namespace {
+
+using test::UpdateRig;
+using enum SearchService;
+
+QueryCorePtr plain(const QString& text)
+{
+    return QueryCore::initWithQuery(text);
+}
+
+QueryCorePtr advanced(const QString& text, qint64 words, const QString& website = QString())
+{
+    return QueryCore::initWithAdvancedQuery(text, words, website, QString());
+}
+
+QueryCorePtr combined(const QStringList& texts, qint64 words, const QString& website = QString())
+{
+    return QueryCore::initWithAdvancedCombinedQuery(texts, words, website);
+}
+
+TEST(QueryUpdate, AsksTheServicesThatTheKindOfQueryCallsForWithItsText)
+{
+    struct Case {
+        const char* name;
+        QueryCorePtr node;
+        /// The end of each address asked for, in order.
+        QByteArrayList ends;
+    };
+    const Case cases[] = {
+        {"plain",
+         plain(u"a b&c"_qs),
+         {"&q=a+b&c", "&p=a+b&c", "q=a+b&c&setmkt=xx&go=&filt=all&first=0", "&query=a+b&c"}},
+        {"nothing to search", QueryCore::init(), {}},
+        {"words", advanced(u"a b&c"_qs, 1), {"&q=a%20b%26c", "&p=a%20b%26c", "&q=a%20b%26c"}},
+        {"phrase", advanced(u"a b"_qs, 2), {"&q=%22a%20b%22", "&p=%22a%20b%22", "&q=%22a%20b%22"}},
+        {"no mode", advanced(u"a"_qs, 0), {"&start=0", "&b=0", "&first=0"}},
+        {"website",
+         advanced(u"a b"_qs, 2, u"w.org"_qs),
+         {"&q=%22a%20b%22&as_sitesearch=w.org", "&p=%22a%20b%22&vs=w.org", "&first=0&q=a%20b+site:w.org"}},
+        {"combined",
+         combined({u"a b"_qs, u"c+d"_qs}, 1),
+         {"&q=a%20b", "&p=a%20b", "&q=a%20b", "&query=a%20b", "&q=c+d", "&p=c+d", "&q=c+d", "&query=c+d"}},
+        {"combined phrase", combined({u"a"_qs}, 2), {"&q=%22a%22", "&p=%22a%22", "&q=%22a%22"}},
+        {"combined website",
+         combined({u"a"_qs, u"b"_qs}, 1, u"w.org"_qs),
+         {"&q=a&as_sitesearch=w.org", "&p=a&vs=w.org", "&q=%20a%20b+site:w.org", "&q=b&as_sitesearch=w.org",
+          "&p=b&vs=w.org", "&q=%20a%20b+site:w.org"}},
+    };
+    const std::array inOrder = {Google, Yahoo, Bing, Ixquick};
+    for (const Case& c : cases) {
+        UpdateRig rig;
+        rig.update(rig.add(c.node));
+        const std::vector<QByteArray> requests = rig.loader.requests();
+        ASSERT_EQ(requests.size(), static_cast<std::size_t>(c.ends.size())) << c.name;
+        for (qsizetype i = 0; i < c.ends.size(); ++i) {
+            const QByteArray& request = requests[static_cast<std::size_t>(i)];
+            EXPECT_TRUE(request.endsWith(c.ends[i])) << c.name << ": " << request.constData();
+            const bool asksIxquick = c.ends.contains("&query=a%20b") || c.node->kind() == QueryKind::Plain;
+            EXPECT_EQ(test::serviceOf(request), inOrder[static_cast<std::size_t>(i) % (asksIxquick ? 4U : 3U)]) << c.name;
+        }
+        EXPECT_EQ(c.node->date(), rig.clock.now()) << c.name;
+    }
+}
+
+TEST(QueryUpdate, LeavesASingleQueryAloneForAQuarterOfAnHourUnlessItsSearchChanged)
+{
+    struct Case {
+        const char* name;
+        QueryCorePtr node;
+        double secondsLater;
+        bool edited;
+        bool asked;
+    };
+    for (const Case& c :
+         {Case{"at once", plain(u"a"_qs), 0, false, false}, Case{"still within", plain(u"a"_qs), 900, false, false},
+          Case{"just past", plain(u"a"_qs), 900.25, false, true},
+          Case{"clock set back", advanced(u"a"_qs, 1), -3600, false, false},
+          Case{"clock was far ahead", plain(u"a"_qs), -90000, false, true},
+          Case{"edited", plain(u"a"_qs), 1, true, true}, Case{"combined", combined({u"a"_qs}, 1), 0, false, true}}) {
+        UpdateRig rig;
+        rig.results[Google] = {u"http://a/"_qs};
+        rig.update(rig.add(c.node));
+        const Date first = rig.clock.now();
+        const std::size_t requests = rig.loader.requests().size();
+        rig.clock.advance(c.secondsLater);
+        if (c.edited)
+            c.node->changeWithQuery(u"a"_qs, 1, QString());
+
+        rig.update(rig.root);
+        EXPECT_EQ(rig.lastFacts().end, c.asked ? UpdateEnd::Updated : UpdateEnd::Recent) << c.name;
+        EXPECT_EQ(rig.loader.requests().size() > requests, c.asked) << c.name;
+        EXPECT_EQ(c.node->date(), c.asked ? rig.clock.now() : first) << c.name;
+        EXPECT_EQ(c.node->results()->at(0).newSincePrevious(), !c.asked) << c.name;
+        EXPECT_EQ(c.node->numberOfLinksAddedOnLatestUpdate(), 0) << c.name;
+        const QString title = c.node->title();
+        EXPECT_EQ(rig.posted, QStringList({u"uptDidFinish "_qs + title, u"DBInternalUpdate "_qs + title})) << c.name;
+
+        rig.update(rig.root);
+        EXPECT_EQ(rig.lastFacts().end, c.node->isCombinedQuery() ? UpdateEnd::Updated : UpdateEnd::Recent) << c.name;
+    }
+}
+
+TEST(QueryUpdate, MergesTheServicesByRankAndCountsWhatItLeftOut)
+{
+    UpdateRig rig;
+    rig.results[Google] = {u"http://h/g1"_qs, u"http://h/shared?g"_qs, u"http://out.org/x"_qs};
+    rig.results[Yahoo] = {u"http://h/shared?y"_qs, u"http://h/y2.zip"_qs};
+    rig.results[Ixquick] = {u"http://h/i1"_qs};
+    const QueryCorePtr node = rig.addPlain(u"a"_qs);
+    node->excludeURLString(u"out.org"_qs);
+    rig.update(node);
+    EXPECT_EQ(addressesOf(*node->resultsSortedBy(5)),
+              QStringList({u"http://h/g1"_qs, u"http://h/i1"_qs, u"http://h/shared?y"_qs}));
+    EXPECT_EQ(node->numberOfLinksAddedOnLatestUpdate(), 3);
+    EXPECT_EQ(rig.lastFacts().added, 3);
+    EXPECT_EQ(node->numberOfLinksExcludedOnLatestUpdate(), 1);
+    EXPECT_EQ(rig.lastFacts().excluded, 1);
+    EXPECT_EQ(node->nbUnreadItem(), 3);
+    EXPECT_EQ(rig.answered[Google].results, 3);
+    EXPECT_FALSE(rig.answered[Exalead].isFailure());
+    ASSERT_EQ(rig.journal.size(), 1U);
+    EXPECT_EQ(rig.journal[0].links.size(), 6);
+    EXPECT_EQ(rig.journal[0].mergedInto.lock(), node);
+
+    rig.clock.advance(1000);
+    rig.numberOfNewLinks = 2;
+    rig.results[Google] = {u"http://n/1"_qs, u"http://n/2"_qs, u"http://n/3"_qs};
+    rig.update(node);
+    EXPECT_EQ(node->numberOfLinksAddedOnLatestUpdate(), 2);
+    EXPECT_EQ(node->results()->size(), 5);
+    EXPECT_EQ(node->nbUnreadItem(), 5);
+}
+
+TEST(QueryUpdate, ASourceThatFailsCostsOnlyItsOwnResults)
+{
+    UpdateRig rig;
+    rig.results[Yahoo] = {u"http://h/y"_qs};
+    rig.down = {Google};
+    const QueryCorePtr node = rig.addPlain(u"a"_qs);
+    rig.update(node);
+    EXPECT_EQ(rig.lastFacts().end, UpdateEnd::Updated);
+    EXPECT_EQ(node->results()->size(), 1);
+    EXPECT_TRUE(rig.answered[Google].isFailure());
+    EXPECT_EQ(rig.answered[Google].error, u"connection refused"_qs);
+
+    rig.down = {Google, Yahoo, Bing, Ixquick};
+    rig.clock.advance(1000);
+    rig.update(node);
+    EXPECT_EQ(rig.lastFacts().end, UpdateEnd::Unreachable);
+    EXPECT_EQ(node->results()->size(), 1);
+    EXPECT_EQ(node->date(), rig.clock.now());
+}
+
+TEST(QueryUpdate, RestrictsPagesAndFiltersAddressesWhereTheQueryAsksForIt)
+{
+    struct Case {
+        const char* name;
+        QueryCorePtr node;
+        QStringList restricted; ///< "text first-address" of each list handed over.
+        QString pattern;
+    };
+    const QueryCorePtr withExpression = QueryCore::initWithAdvancedQuery(u"a b"_qs, 3, QString(), u"x+"_qs);
+    const QueryCorePtr combinedExpression = combined({u"m"_qs}, 1);
+    combinedExpression->changeWithCombinedQuery({u"m"_qs}, 3, QString(), u"x+"_qs);
+    for (const Case& c : {
+             Case{"single", withExpression, {u"a+b http://g/"_qs, u"a+b http://y/"_qs, u"a+b http://b/"_qs}, u"x+"_qs},
+             Case{"combined", combinedExpression, {u"m http://g/"_qs, u"m http://y/"_qs}, u"SELF MATCHES \"x+\""_qs},
+             Case{"combined, web site", combined({u"m"_qs}, 3, u"w"_qs), {}, {}},
+             Case{"other mode", advanced(u"a"_qs, 2), {}, {}},
+         }) {
+        UpdateRig rig;
+        rig.results = {{Google, {u"http://g/"_qs}}, {Yahoo, {u"http://y/"_qs}}, {Bing, {u"http://b/"_qs}}};
+        QStringList restricted;
+        QString pattern;
+        rig.steps.restrictResults = [&](const QueryFields&, const ResultList& records, const QString& text) {
+            if (!records.isEmpty())
+                restricted.append(text + u' ' + records[0].urlText().value());
+            return records;
+        };
+        rig.steps.filterByUrl = [&](const ResultList& records, const QString& expression) {
+            pattern = expression;
+            return records.mid(0, 1);
+        };
+        rig.update(rig.add(c.node));
+        EXPECT_EQ(restricted, c.restricted) << c.name;
+        EXPECT_EQ(pattern, c.pattern) << c.name;
+        EXPECT_EQ(c.node->nbItems(), c.pattern.isEmpty() ? 3 : 1) << c.name;
+    }
+}
+
+TEST(QueryUpdate, PutsLinksIntoTheTreeThatIsInUseByThen)
+{
+    UpdateRig rig;
+    rig.results[Google] = {u"http://h/1"_qs};
+    const QueryCorePtr old = rig.addPlain(u"a"_qs);
+    const QueryCorePtr reread = QueryCore::fromArchive(old->snapshot().fields);
+    const QueryCorePtr renamed = QueryCore::fromArchive(old->snapshot().fields);
+    renamed->setQuery(u"b"_qs);
+
+    for (const QueryCorePtr& now : {reread, renamed, QueryCorePtr()}) {
+        rig.findQuery = [&](const QString& uuid) {
+            EXPECT_EQ(uuid, old->UUID());
+            return now;
+        };
+        rig.journal.clear();
+        rig.update(old);
+        EXPECT_EQ(rig.lastFacts().end, now ? UpdateEnd::Updated : UpdateEnd::Removed);
+        EXPECT_EQ(rig.journal.size(), now ? 1U : 0U);
+        EXPECT_EQ(rig.posted.size(), 2);
+        EXPECT_EQ(old->results()->size(), 0);
+    }
+    EXPECT_EQ(reread->results()->size(), 1);
+    EXPECT_EQ(reread->date(), rig.clock.now());
+    EXPECT_EQ(renamed->results()->size(), 1);
+    EXPECT_EQ(renamed->date(), Date::reference()) << "the edited search was not asked yet";
+}
+
+TEST(QueryUpdate, AMarkMadeDuringTheMergeStays)
+{
+    UpdateRig rig;
+    rig.results[Google] = {u"http://h/1"_qs};
+    const QueryCorePtr node = rig.addPlain(u"a"_qs);
+    rig.update(node);
+    node->setCheckBlacklist(true);
+    int merges = 0;
+    rig.steps.merge.isBlackListed = [&](const ResultRecord&) {
+        // Somebody else at work on the same query, the first two times.
+        if (++merges <= 2)
+            std::thread([&] { merges == 1 ? node->markAllItemAsRead() : node->setTitle(u"new title"_qs); }).join();
+        return false;
+    };
+    rig.results[Google] = {u"http://h/2"_qs};
+    rig.clock.advance(1000);
+    rig.update(node);
+    EXPECT_EQ(merges, 3);
+    const ResultList results = node->resultsSortedBy(5).value();
+    ASSERT_EQ(addressesOf(results), QStringList({u"http://h/1"_qs, u"http://h/2"_qs}));
+    EXPECT_TRUE(results[0].isRead());
+    EXPECT_FALSE(results[1].isRead());
+    EXPECT_EQ(rig.journal.back().links.size(), 1);
+    EXPECT_EQ(node->numberOfLinksAddedOnLatestUpdate(), 1);
+}
+
+TEST(QueryUpdater, StartsWhatIsEnabledAndMarksItAtOnce)
+{
+    UpdateRig rig;
+    const QueryCorePtr folder = rig.add(QueryCore::initWithQueryFolder(u"folder"_qs));
+    const QueryCorePtr paused = rig.add(QueryCore::initWithQueryFolder(u"paused folder"_qs));
+    const QueryCorePtr inner = plain(u"inner"_qs);
+    const QueryCorePtr off = plain(u"off"_qs);
+    const QueryCorePtr inPaused = plain(u"in paused"_qs);
+    folder->addChild(inner);
+    folder->addChild(off);
+    off->setEnabled(false);
+    paused->addChild(inPaused);
+    paused->setEnabled(false);
+    const auto titles = [&rig] {
+        QStringList names;
+        for (const auto& [title, facts] : rig.ended)
+            names.append(title);
+        return names;
+    };
+    rig.update(rig.root);
+    EXPECT_EQ(titles(), QStringList({u"inner"_qs}));
+    EXPECT_EQ(rig.posted, QStringList({u"uptDidFinish inner"_qs, u"DBInternalUpdate inner"_qs}));
+    rig.update(paused);
+    EXPECT_EQ(titles(), QStringList({u"in paused"_qs}));
+
+    rig.ended.clear();
+    std::mutex gate;
+    std::unique_lock closed(gate);
+    rig.onLoad = [&](const QByteArray&) { const std::lock_guard wait(gate); };
+    QueryUpdater updater(rig.parts());
+    const QueryCorePtr fresh = rig.addPlain(u"fresh"_qs);
+    updater.update(folder);
+    updater.update(off);
+    updater.update(fresh);
+    EXPECT_TRUE(fresh->isUpdating());
+    EXPECT_FALSE(off->isUpdating());
+    closed.unlock();
+    updater.waitUntilIdle();
+    EXPECT_FALSE(fresh->isUpdating());
+    EXPECT_EQ(titles(), QStringList({u"fresh"_qs}));
+}
+
+TEST(QueryUpdater, AnExceptionEndsItsOwnUpdateOnly)
+{
+    UpdateRig rig;
+    const QueryCorePtr bad = rig.add(QueryCore::initWithAdvancedQuery(u"bad"_qs, 1, QString(), u"("_qs));
+    const QueryCorePtr good = rig.addPlain(u"good"_qs);
+    rig.steps.filterByUrl = [](const ResultList&, const QString&) -> ResultList {
+        throw std::runtime_error("unbalanced parenthesis");
+    };
+    rig.update(rig.root);
+    ASSERT_EQ(rig.ended.size(), 2U);
+    for (const auto& [title, facts] : rig.ended) {
+        EXPECT_EQ(facts.end, title == u"bad"_qs ? UpdateEnd::Failed : UpdateEnd::Updated);
+        EXPECT_EQ(facts.error, title == u"bad"_qs ? u"unbalanced parenthesis"_qs : QString());
+    }
+    EXPECT_EQ(rig.posted, QStringList({u"uptDidFinish good"_qs, u"DBInternalUpdate good"_qs}));
+    EXPECT_EQ(bad->date(), Date::reference());
+    EXPECT_TRUE(bad->isUpdating());
+}
+
+TEST(QueryUpdater, RunsOnlySoManyAtOnceAndStopsWhatWaits)
+{
+    UpdateRig rig;
+    for (int i = 0; i < 12; ++i)
+        rig.addPlain(u"q%1"_qs.arg(i));
+    std::mutex mutex;
+    std::condition_variable changed;
+    int running = 0;
+    int most = 0;
+    bool open = false;
+    rig.onLoad = [&](const QByteArray&) {
+        std::unique_lock lock(mutex);
+        most = std::max(most, ++running);
+        changed.notify_all();
+        changed.wait(lock, [&] { return open; });
+        --running;
+    };
+    QueryUpdater updater(rig.parts(), 3);
+    updater.updateAll(rig.root);
+    {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [&] { return running == 3; });
+        rig.pauser.stop();
+        open = true;
+        changed.notify_all();
+    }
+    updater.waitUntilIdle();
+    EXPECT_EQ(most, 3);
+    EXPECT_EQ(rig.loader.requests().size(), 3U);
+    EXPECT_EQ(rig.ended.size(), 12U);
+    for (const auto& [title, facts] : rig.ended)
+        EXPECT_EQ(facts.end, UpdateEnd::Stopped) << qPrintable(title);
+    for (const QueryCorePtr& node : *rig.root->childs()) {
+        EXPECT_EQ(node->date(), Date::reference());
+        EXPECT_FALSE(node->isUpdating());
+    }
+}
+
+} // namespace
+} // namespace quarry
