@@ -10,26 +10,26 @@ RefreshCommit::RefreshCommit(QueryDatabaseEngine& database, Merge merge) : _data
 {
 }
 
-void RefreshCommit::add(BroughtLinks brought)
+void RefreshCommit::add(const BroughtUpdate& brought)
 {
     const std::lock_guard lock(_mutex);
-    _waiting.push_back(std::move(brought));
+    _waiting.push_back(brought);
 }
 
 QString RefreshCommit::commit()
 {
     const std::lock_guard committing(_committing);
     // What an update adds from here on waits for the next commit.
-    std::vector<BroughtLinks> links;
+    std::vector<BroughtUpdate> links;
     {
         const std::lock_guard lock(_mutex);
         links = _waiting;
     }
     const QString error = _database.edit([&](QueryDatabaseEngine& database) {
-        for (const BroughtLinks& brought : links) {
-            const QueryCorePtr node = database.queryForUUID(brought.queryUuid);
+        for (const BroughtUpdate& brought : links) {
+            const QueryCorePtr node = database.queryForUUID(brought.asked._UUID);
             if (node && node->isLeaf() && node != brought.mergedInto.lock())
-                _merge(node, brought);
+                _merge(*node, brought);
         }
         return QString();
     });

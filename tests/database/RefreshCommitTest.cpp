@@ -14,11 +14,10 @@ protected:
         EXPECT_EQ(addElsewhere(QStringLiteral("a")), QString());
         EXPECT_EQ(addElsewhere(QStringLiteral("b")), QString());
         engine = std::make_unique<Engine>(parts(), Engine::AtEnd::Discard);
-        commit =
-            std::make_unique<RefreshCommit>(*engine, [this](const QueryCorePtr& node, const BroughtLinks& brought) {
-                ++merges;
-                setResults(node, node->results().value_or(ResultList()) + brought.links);
-            });
+        commit = std::make_unique<RefreshCommit>(*engine, [this](QueryCore& node, const BroughtUpdate& brought) {
+            ++merges;
+            setResults(node.shared_from_this(), node.results().value_or(ResultList()) + brought.links);
+        });
     }
     /// What an update of the query at that place of the tree does.
     void bring(qsizetype index)
@@ -26,7 +25,7 @@ protected:
         const QueryCorePtr node = engine->queries()->at(index);
         const ResultList links{ResultRecord().withTitle(QStringLiteral("new"))};
         setResults(node, links);
-        commit->add({node->UUID(), links, Date(2.0), node});
+        commit->add({node->snapshot().fields, links, Date(2.0), node});
     }
     QString resultsInFile()
     {
