@@ -13,6 +13,7 @@ namespace quarry {
 
 namespace {
 
+constexpr std::size_t threads = 16;
 constexpr int statusFound = 302;
 constexpr int statusNotFound = 404;
 constexpr int statusMethodNotAllowed = 405;
@@ -76,6 +77,10 @@ void GatewayServer::Implementation::prepare()
         const int yes = 1;
         setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
     });
+    // A kept connection keeps one of few threads, also from those who wait, and keeps the server from stopping.
+    _server.set_keep_alive_max_count(1);
+    _server.set_keep_alive_timeout(1);
+    _server.new_task_queue = [] { return std::make_unique<httplib::ThreadPool>(threads).release(); };
     _server.set_payload_max_length(0);
     _server.set_tcp_nodelay(true);
     // Everything is answered here: the library's own routes are regular expressions over text from outside.

@@ -12,13 +12,13 @@ namespace quarry {
 
 // Texts in this folder are UTF-8 bytes: they come from files and go to the index and onto the wire as they are.
 
-/// How a service weighs where a word stands, and what decides between equals.
+/// How a service orders what matches: by where the words stand, and by what else it likes in a document.
 struct Ranking {
-    enum class Tie { Path, Newest, Oldest, Shortest };
+    enum class Liking { Nothing, Newer, Shorter, Longer, ShorterPath };
     double title = 1;
     double path = 1;
     double body = 1;
-    Tie tie = Tie::Path;
+    Liking liking = Liking::Nothing;
 };
 
 /// One search as a service hands it on.

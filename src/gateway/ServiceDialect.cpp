@@ -21,10 +21,10 @@ struct Dialect {
 // Bing and Yahoo count results from 1. Whoever asks them for 0, 10, 20 gets the tenth result twice, at the end of one
 // page and at the head of the next; an offset of 0 is taken as 1.
 constexpr std::array<Dialect, 5> dialects = {{
-    {Service::Google, "Google", "/search", "q", "start", "as_sitesearch", 0, {8.0, 4.0, 1.0, Ranking::Tie::Path}},
-    {Service::Bing, "Bing", "/search", "q", "first", nullptr, 1, {20.0, 1.0, 1.0, Ranking::Tie::Newest}},
-    {Service::Yahoo, "Yahoo", "/search", "p", "b", "vs", 1, {2.0, 10.0, 1.0, Ranking::Tie::Shortest}},
-    {Service::Exalead, "Exalead", "/search/results", "q", "b", nullptr, 0, {4.0, 1.0, 2.0, Ranking::Tie::Newest}},
+    {Service::Google, "Google", "/search", "q", "start", "as_sitesearch", 0, {8.0, 4.0, 1.0, Ranking::Liking::Nothing}},
+    {Service::Bing, "Bing", "/search", "q", "first", nullptr, 1, {20.0, 1.0, 0.5, Ranking::Liking::Newer}},
+    {Service::Yahoo, "Yahoo", "/search", "p", "b", "vs", 1, {2.0, 10.0, 1.0, Ranking::Liking::Shorter}},
+    {Service::Exalead, "Exalead", "/search/results", "q", "b", nullptr, 0, {4.0, 1.0, 2.0, Ranking::Liking::Longer}},
     {Service::Ixquick,
      "Ixquick",
      "/do/metasearch.pl",
@@ -32,7 +32,7 @@ constexpr std::array<Dialect, 5> dialects = {{
      "startat",
      nullptr,
      0,
-     {1.0, 1.0, 1.0, Ranking::Tie::Oldest}},
+     {1.0, 1.0, 1.0, Ranking::Liking::ShorterPath}},
 }};
 
 const Dialect& dialectOf(Service service)

@@ -103,6 +103,29 @@ TEST_F(FolderFreshness, CompressedDocumentsGoByTheNameOfWhatTheyHold)
     EXPECT_TRUE(gateway.get("/doc/twice.txt").body.contains("a copy"));
 }
 
+TEST_F(FolderFreshness, SearchesAndChangesMayComeTogether)
+{
+    gateway.start();
+    constexpr int clients = 3;
+    constexpr int rounds = 20;
+    std::atomic<int> answered = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < clients; ++i) {
+        threads.emplace_back([this, &answered] {
+            for (int round = 0; round < rounds; ++round) {
+                answered += gateway.get("/search?q=walnut").status == 200 ? 1 : 0;
+                answered += gateway.get("/doc/0.txt").status != 0 ? 1 : 0;
+            }
+        });
+    }
+    for (int i = 0; i < rounds; ++i)
+        gateway.write(QString::number(i % 4) + QStringLiteral(".txt"), "walnut " + QByteArray::number(i));
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(answered, 2 * clients * rounds);
+    EXPECT_EQ(found(), list({"0.txt", "1.txt", "2.txt", "3.txt"}));
+}
+
 TEST(IndexFile, IsTakenUpAgainAndReadsOnlyWhatChanged)
 {
     QTemporaryDir folder;
