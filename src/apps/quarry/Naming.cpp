@@ -61,12 +61,11 @@ NamedNode find(const QueryCorePtr& root, const QString& name, const QString& wha
                   name, what);
 }
 
-/// The number that a name is, 0 when it is none. Digits alone are always a number, "#3" is one too.
+/// The number that a name is, 0 when it is none; "#3" is one too.
 qsizetype numberIn(const QString& name)
 {
-    const QString digits = name.startsWith(u'#') ? name.mid(1) : name;
     bool ok = false;
-    const int number = digits.toInt(&ok);
+    const int number = (name.startsWith(u'#') ? name.mid(1) : name).toInt(&ok);
     return ok && number > 0 ? number : 0;
 }
 
@@ -77,19 +76,18 @@ bool isRecordNamed(const ResultRecord& record, const QString& name)
 
 NamedRecords recordNamed(const ResultList& listed, const QString& name)
 {
-    if (const qsizetype number = numberIn(name); number > 0) {
-        if (number <= listed.size())
-            return {{listed.at(number - 1)}, {}};
-        return {{},
-                Outcome::failed(QStringLiteral("there is no result %1; there are %2").arg(number).arg(listed.size()))};
-    }
+    const qsizetype number = numberIn(name);
+    if (number > 0 && number <= listed.size())
+        return {{listed.at(number - 1)}, {}};
     ResultList found;
     for (const ResultRecord& record : listed) {
         if (isRecordNamed(record, name))
             found.append(record);
     }
     if (found.isEmpty())
-        return {{}, Outcome::failed(QStringLiteral("there is no result \"%1\"").arg(shown(name)))};
+        return {{},
+                Outcome::failed(
+                    QStringLiteral("there is no result \"%1\" among the %2").arg(shown(name)).arg(listed.size()))};
     if (found.size() > 1)
         return {{},
                 Outcome::failed(

@@ -42,7 +42,7 @@ void walk(const QueryCorePtr& node, const std::function<void(const QueryCorePtr&
 [[nodiscard]] QString shownTitle(const QueryCore& node);
 
 /// The records that a person means, out of those listed: by number (1 is the first), by "link uuid key" or the
-/// beginning of it (4 characters or more, not digits alone), or by address.
+/// beginning of it (4 characters or more; a number that is in the list comes first), or by address.
 struct NamedRecords {
     ResultList records;
     Outcome fault;

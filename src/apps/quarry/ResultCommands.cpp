@@ -123,10 +123,11 @@ QString textOf(const Listed& item, const Options& options, bool withQuery)
     if (options.brief)
         return text;
     const QString indent(7, u' ');
-    text += indent + shown(record.urlText().value_or(QString())) + u'\n';
-    const QString excerpt = shownWithin(record.textFromPage().value_or(QString()), LongestText);
-    if (!excerpt.isEmpty())
-        text += indent + excerpt + u'\n';
+    for (const QString& line : {shown(record.urlText().value_or(QString())),
+                                shownWithin(record.textFromPage().value_or(QString()), LongestText)}) {
+        if (!line.isEmpty())
+            text += indent + line + u'\n';
+    }
     return text + indent + faint(detailsOf(item, withQuery)) + u'\n';
 }
 

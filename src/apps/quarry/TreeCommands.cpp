@@ -114,7 +114,7 @@ Outcome setEnabled(Session& session, const Options& options, bool enabled)
             return named.fault;
         qint64 changed = 0;
         for (const QueryCorePtr& node : named.nodes) {
-            if (enabled)
+            if (enabled && node->isQueryFolder())
                 node->setEnabled(true);
             for (const QueryCorePtr& query : queriesBelow(node)) {
                 changed += query->isEnabled() == enabled ? 0 : 1;

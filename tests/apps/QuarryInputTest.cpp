@@ -1,0 +1,169 @@
+// What people and broken files do to the command line.
+
+#include "support/QuarryProcess.h"
+#include "support/TemporaryHome.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QJsonArray>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quarry::test {
+namespace {
+
+QByteArray goldenDatabase()
+{
+    return contentOf(QStringLiteral(QUARRY_TEST_DATA "/golden/db.qsdata"));
+}
+
+QStringList everythingIn(const QString& folder)
+{
+    QStringList found;
+    QDirIterator walk(folder, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+    while (walk.hasNext())
+        found.append(walk.next());
+    return found;
+}
+
+TEST(QuarryInput, WrongUseIsStatusTwoAndAWordAboutIt)
+{
+    const TemporaryHome home;
+    const struct {
+        QStringList arguments;
+        QString complaint;
+    } cases[] = {
+        {{}, u"a command is missing"_s},
+        {{u"frobnicate"_s}, u"there is no command \"frobnicate\""_s},
+        {{u"list"_s, u"--bogus"_s}, u"--bogus"_s},
+        {{u"add"_s}, u"a query needs words"_s},
+        {{u"add"_s, u""_s}, u"a query needs words"_s},
+        {{u"add"_s, u"  "_s}, u"a query needs words"_s},
+        {{u"add"_s, u"a"_s, u"--combine"_s, u"b"_s}, u"not both"_s},
+        {{u"add"_s, u"--combine"_s, u"b"_s, u"--combine"_s, u" "_s}, u"a --combine text is empty"_s},
+        {{u"add"_s, u"a"_s, u"--words"_s, u"some"_s}, u"must be one of all, phrase, page"_s},
+        {{u"add-folder"_s, u" "_s}, u"a folder needs a name"_s},
+        {{u"show"_s, u""_s}, u"is empty"_s},
+        {{u"move"_s, u"a"_s}, u"either --into FOLDER or --top"_s},
+        {{u"prefs"_s, u"--new-links"_s, u"-1"_s}, u"whole number"_s},
+        {{u"services"_s, u"Altavista"_s, u"--off"_s}, u"there is no service \"Altavista\""_s},
+        {{u"services"_s, u"--at"_s, u"http://127.0.0.1/path"_s}, u"no address of a service"_s},
+        {{u"services"_s, u"--on"_s, u"--off"_s}, u"exclude each other"_s},
+    };
+    for (const auto& each : cases) {
+        const Ran ran = runQuarry(home.path(), each.arguments);
+        EXPECT_EQ(ran.status, 2) << each.arguments.join(u' ').toStdString();
+        EXPECT_TRUE(ran.err.contains(each.complaint)) << ran.err.toStdString();
+        EXPECT_TRUE(ran.out.isEmpty()) << ran.out.toStdString();
+    }
+    EXPECT_FALSE(QFile::exists(home->databaseFile()));
+}
+
+TEST(QuarryInput, EveryCommandHasHelpWithExamples)
+{
+    const QString commands =
+        u"list show results add add-folder edit rename move remove enable disable read unread hide "
+        "unhide rate exclude refresh prefs schedule services"_s;
+    for (const QString& command : commands.split(u' ')) {
+        const Ran ran = runQuarry(QString(), {command, u"--help"_s});
+        EXPECT_EQ(ran.status, 0) << command.toStdString();
+        EXPECT_TRUE(ran.out.contains(u"Examples:\n  quarry "_s + command)) << ran.out.toStdString();
+    }
+}
+
+TEST(QuarryInput, ReadingMakesNothingInAHomeWhereNothingIs)
+{
+    const QTemporaryDir home;
+    for (const QStringList& arguments : {QStringList{u"list"_s},
+                                         {u"list"_s, u"--json"_s},
+                                         {u"results"_s},
+                                         {u"prefs"_s},
+                                         {u"schedule"_s},
+                                         {u"services"_s}})
+        EXPECT_EQ(runQuarry(home.path(), arguments).status, 0) << arguments.join(u' ').toStdString();
+    EXPECT_EQ(runQuarry(home.path(), {u"show"_s, u"something"_s}).status, 1);
+    EXPECT_TRUE(everythingIn(home.path()).isEmpty()) << everythingIn(home.path()).join(u' ').toStdString();
+}
+
+TEST(QuarryInput, AHomeThatIsNoneIsNamed)
+{
+    const QTemporaryDir folder;
+    const QString missing = folder.filePath(u"missing"_s);
+    const QString file = folder.filePath(u"file"_s);
+    ASSERT_TRUE(writeFile(file, "x"));
+    for (const QStringList& arguments : {QStringList{u"list"_s},
+                                         {u"add"_s, u"x"_s},
+                                         {u"prefs"_s, u"--new-links"_s, u"3"_s},
+                                         {u"services"_s, u"--off"_s},
+                                         {u"schedule"_s},
+                                         {u"refresh"_s}}) {
+        for (const QString& home : {missing, file}) {
+            const Ran ran = runQuarry(home, arguments);
+            EXPECT_EQ(ran.status, 1) << arguments.join(u' ').toStdString();
+            EXPECT_TRUE(ran.err.contains(home)) << ran.err.toStdString();
+        }
+    }
+    EXPECT_FALSE(QFile::exists(missing));
+}
+
+TEST(QuarryInput, ADatabaseThatMakesNoSenseIsToldAndLeftAlone)
+{
+    const QByteArray whole = goldenDatabase();
+    ASSERT_FALSE(whole.isEmpty());
+    QList<QByteArray> contents = {
+        "no property list at all",
+        "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>a</key><true/></dict></plist>"};
+    for (int part = 1; part < 8; ++part)
+        contents.append(whole.left(whole.size() * part / 8));
+    for (const QByteArray& content : contents) {
+        const TemporaryHome home;
+        ASSERT_TRUE(writeFile(home->databaseFile(), content));
+        for (const QStringList& arguments : {QStringList{u"list"_s}, {u"add"_s, u"x"_s}, {u"refresh"_s}}) {
+            const Ran ran = runQuarry(home.path(), arguments);
+            EXPECT_EQ(ran.status, 1) << arguments.join(u' ').toStdString();
+            EXPECT_TRUE(ran.err.contains(u"the database cannot be read"_s)) << ran.err.toStdString();
+            EXPECT_TRUE(ran.out.isEmpty()) << ran.out.toStdString();
+        }
+        EXPECT_EQ(contentOf(home->databaseFile()), content);
+        const QStringList copies = QDir(home->supportFolder()).entryList({u"Database.damaged-*.qsdata"_s});
+        ASSERT_EQ(copies.size(), 1);
+        EXPECT_EQ(contentOf(home->supportFolder() + u'/' + copies.first()), content);
+    }
+}
+
+TEST(QuarryInput, ADatabaseThatCannotBeReadIsLeftAlone)
+{
+    const TemporaryHome home;
+    ASSERT_TRUE(QDir().mkpath(home->databaseFile()));
+    for (const QStringList& arguments : {QStringList{u"list"_s}, {u"add"_s, u"x"_s}}) {
+        const Ran ran = runQuarry(home.path(), arguments);
+        EXPECT_EQ(ran.status, 1);
+        EXPECT_TRUE(ran.err.contains(u"the database cannot be read"_s)) << ran.err.toStdString();
+    }
+    EXPECT_TRUE(QDir(home->databaseFile()).exists());
+}
+
+TEST(QuarryInput, HostileTextsDoNotDriveTheTerminal)
+{
+    const TemporaryHome home;
+    const QString hostile = QStringLiteral("a\x1b]0;owned\x07 \u009b31m\u202eb\r\nc\u2066");
+    ASSERT_EQ(runQuarry(home.path(), {u"add"_s, u"x"_s, u"--title"_s, hostile}).status, 0);
+    for (const QStringList& arguments :
+         {QStringList{u"list"_s}, {u"show"_s, u"a]0;owned"_s}, {u"list"_s, u"--json"_s}, {u"show"_s, u"x"_s}}) {
+        const Ran ran = runQuarry(home.path(), arguments);
+        for (const char16_t c : {u'\x1b', u'\x07', u'\u009b', u'\u202e', u'\r', u'\u2066'})
+            EXPECT_FALSE((ran.out + ran.err).contains(QChar(c))) << int(c);
+    }
+    EXPECT_EQ(runQuarry(home.path(), {u"list"_s, u"--json"_s})
+                  .json()[u"queries"_s]
+                  .toArray()[0]
+                  .toObject()[u"title"_s]
+                  .toString(),
+              hostile);
+    EXPECT_TRUE(runQuarry(home.path(), {u"list"_s}).out.contains(u"a]0;owned 31mb c"_s));
+}
+
+} // namespace
+} // namespace quarry::test
