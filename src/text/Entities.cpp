@@ -3,10 +3,10 @@
 #include "text/Data.h"
 #include "text/Lines.h"
 #include "text/PercentEscapes.h"
+#include "text/UnitSearch.h"
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <string_view>
 
 namespace quarry {
@@ -91,17 +91,17 @@ char16_t numericEntity(QStringView afterMark)
 }
 
 /// Writes what the entity stands for, which is never longer than the entity; 0 for an unknown name.
-qsizetype writeEntity(QStringView name, QChar* out)
+qsizetype writeEntity(QStringView name, char16_t* out)
 {
     if (name.size() >= 2 && name.front() == u'#') {
-        *out = QChar(numericEntity(name.mid(1)));
+        *out = numericEntity(name.mid(1));
         return 1;
     }
     const Entity* entity = findEntity(name);
     if (entity == nullptr)
         return 0;
     if (entity->character != threeFullStops) {
-        *out = QChar(entity->character);
+        *out = entity->character;
         return 1;
     }
     std::fill_n(out, 3, u'.');
@@ -151,24 +151,15 @@ XmlReference xmlReference(QStringView text)
     return {};
 }
 
-QChar* writeCharacter(QChar* out, char32_t c)
+char16_t* writeCharacter(char16_t* out, char32_t c)
 {
     if (!QChar::requiresSurrogates(c)) {
-        *out++ = QChar(static_cast<char16_t>(c));
+        *out++ = static_cast<char16_t>(c);
         return out;
     }
-    *out++ = QChar(QChar::highSurrogate(c));
-    *out++ = QChar(QChar::lowSurrogate(c));
+    *out++ = QChar::highSurrogate(c);
+    *out++ = QChar::lowSurrogate(c);
     return out;
-}
-
-/// Moves the units [from, end) down to `to`; where the next unit goes.
-QChar* moveDown(QChar* to, const QChar* from, const QChar* end)
-{
-    const auto count = end - from;
-    if (to != from)
-        std::memmove(to, from, static_cast<size_t>(count) * sizeof(QChar));
-    return to + count;
 }
 
 } // namespace
@@ -177,31 +168,33 @@ QString mapEntityToString(const QString& name)
 {
     if (name.isNull())
         return {};
-    std::array<QChar, 3> out;
+    std::array<char16_t, 3> out{};
     const qsizetype count = writeEntity(name, out.data());
-    return count > 0 ? QString(out.data(), count) : u'&' + name + u';';
+    return count > 0 ? QStringView(out.data(), count).toString() : u'&' + name + u';';
 }
 
 QString stringByUnescapingExtendedCharacters(const QString& text)
 {
-    qsizetype amp = text.indexOf(u'&');
-    qsizetype semicolon = amp < 0 ? -1 : text.indexOf(u';', amp);
-    if (semicolon < 0)
+    const char16_t* const original = QStringView(text).utf16();
+    if (findUnit(original, original + text.size(), u'&') == original + text.size())
         return trim(text);
     QString result = text;
-    QChar* const data = result.data();
-    QChar* out = data;
-    qsizetype done = 0;
-    while (semicolon >= 0) {
-        out = moveDown(out, data + done, data + amp);
-        const qsizetype written = writeEntity(QStringView(data + amp + 1, data + semicolon), out);
-        out = written > 0 ? out + written : moveDown(out, data + amp, data + semicolon + 1);
-        done = semicolon + 1;
-        amp = QStringView(result).indexOf(u'&', done);
-        semicolon = amp < 0 ? -1 : QStringView(result).indexOf(u';', amp);
+    char16_t* const begin = writableUnits(result);
+    const char16_t* const end = begin + result.size();
+    char16_t* out = begin;
+    const char16_t* in = begin;
+    while (in != end) {
+        const char16_t* const amp = findUnit(in, end, u'&');
+        const char16_t* const semicolon = findUnit(amp, end, u';');
+        if (semicolon == end)
+            break;
+        out = moveUnits(out, in, amp);
+        const qsizetype written = writeEntity(QStringView(amp + 1, semicolon), out);
+        out = written > 0 ? out + written : moveUnits(out, amp, semicolon + 1);
+        in = semicolon + 1;
     }
-    out = moveDown(out, data + done, data + result.size());
-    result.truncate(out - data);
+    out = moveUnits(out, in, end);
+    result.truncate(out - begin);
     return trim(result);
 }
 
@@ -223,22 +216,23 @@ QString stringByEscapingExtendedCharacters(const QString& text)
 
 void unescapeXml(QString& text)
 {
-    qsizetype amp = text.indexOf(u'&');
-    if (amp < 0)
+    const char16_t* const original = QStringView(text).utf16();
+    const qsizetype first = findUnit(original, original + text.size(), u'&') - original;
+    if (first == text.size())
         return;
-    QChar* const data = text.data();
-    QChar* out = data;
-    qsizetype done = 0;
-    while (amp >= 0) {
-        const XmlReference reference = xmlReference(QStringView(text).mid(amp));
-        if (reference.length > 0) {
-            out = writeCharacter(moveDown(out, data + done, data + amp), reference.character);
-            done = amp + reference.length;
-        }
-        amp = QStringView(text).indexOf(u'&', std::max(done, amp + 1));
+    char16_t* const begin = writableUnits(text);
+    const char16_t* const end = begin + text.size();
+    char16_t* out = begin + first;
+    const char16_t* in = out; // At an "&".
+    while (in != end) {
+        const XmlReference reference = xmlReference(QStringView(in, end));
+        if (reference.length > 0)
+            out = writeCharacter(out, reference.character);
+        const char16_t* const behind = in + reference.length;
+        in = findUnit(std::max(behind, in + 1), end, u'&');
+        out = moveUnits(out, behind, in);
     }
-    out = moveDown(out, data + done, data + text.size());
-    text.truncate(out - data);
+    text.truncate(out - begin);
 }
 
 } // namespace quarry

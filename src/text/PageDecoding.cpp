@@ -81,7 +81,8 @@ std::optional<EncodingNumber> guessedEncoding(const QByteArray& page)
 /// Faultless UTF-8 without the escape sequences of the 7-bit encodings can be taken for what it is.
 std::optional<DecodedPage> decodeAsPlainUtf8(const QByteArray& page)
 {
-    return page.contains("\x1B$") || page.contains("\x1B(") ? std::nullopt : decodeAs(page, utf8Encoding);
+    const bool hasEscapes = page.contains('\x1B') && (page.contains("\x1B$") || page.contains("\x1B("));
+    return hasEscapes ? std::nullopt : decodeAs(page, utf8Encoding);
 }
 
 /// Encodings of several bytes a character seldom convert by chance. One-byte encodings nearly always do; there the

@@ -1,6 +1,7 @@
 #include "text/Spans.h"
 
 #include "text/FoldedSearch.h"
+#include "text/UnitSearch.h"
 
 #include <algorithm>
 #include <cstring>
