@@ -97,8 +97,9 @@ void QueryDatabaseEngine::Impl::load(QLatin1String logFormat)
     countQueries();
 }
 
-bool QueryDatabaseEngine::Impl::isThrottled() const
+bool QueryDatabaseEngine::Impl::isThrottled()
 {
+    const std::lock_guard lock(fileMutex);
     if (!lastDBSave)
         return false;
     const double since = parts.clock.now().secondsSince(*lastDBSave);
@@ -119,12 +120,13 @@ DatabaseFile::Saved QueryDatabaseEngine::Impl::saveLocked()
     return saved;
 }
 
-std::optional<FileLock> QueryDatabaseEngine::Impl::takeWriterLock(QString& error) const
+WriterLock QueryDatabaseEngine::Impl::takeWriterLock(QString& error)
 {
+    WriterLock lock{std::unique_lock(writersOfThisProgram), std::nullopt};
     error = parts.home.makeFolders();
-    if (!error.isEmpty())
-        return std::nullopt;
-    return FileLock::acquire(parts.home.writerLockFile(), LockPatience, &error);
+    if (error.isEmpty())
+        lock.programs = FileLock::acquire(parts.home.writerLockFile(), LockPatience, &error);
+    return lock;
 }
 
 void QueryDatabaseEngine::Impl::revert()
@@ -165,24 +167,25 @@ void QueryDatabaseEngine::setDefaultDatabase(std::unique_ptr<QueryDatabaseEngine
 
 bool QueryDatabaseEngine::saveDatabase(bool force)
 {
-    if (_impl->savingLock)
-        return true;
-    const std::lock_guard lock(_impl->fileMutex);
-    if (_impl->editing || (!force && _impl->isThrottled()))
+    if (_impl->savingLock || _impl->isEditing() || (!force && _impl->isThrottled()))
         return true;
     QString error;
-    const std::optional<FileLock> writerLock = _impl->takeWriterLock(error);
-    if (!writerLock) {
+    const WriterLock writerLock = _impl->takeWriterLock(error);
+    if (!writerLock.programs) {
         _impl->setLastError(error);
         return false;
     }
-    return _impl->saveLocked().outcome == DatabaseFile::Saving::Done;
+    // Another thread may have saved while this one waited.
+    const std::lock_guard lock(_impl->fileMutex);
+    return (!force && _impl->isThrottled()) || _impl->saveLocked().outcome == DatabaseFile::Saving::Done;
 }
 
 void QueryDatabaseEngine::dbSynchCheck()
 {
+    if (_impl->isEditing())
+        return;
     const std::lock_guard lock(_impl->fileMutex);
-    if (_impl->editing || _impl->file.isAsSeen(DatabaseFile::Compare::Date))
+    if (_impl->file.isAsSeen(DatabaseFile::Compare::Date))
         return;
     _impl->nbUpdating = 0;
     if (!_impl->file.isKnownDamage())
@@ -204,13 +207,13 @@ QString QueryDatabaseEngine::damagedCopy() const
 
 QString QueryDatabaseEngine::edit(const Change& change)
 {
-    const std::lock_guard lock(_impl->fileMutex);
-    if (_impl->editing)
+    if (_impl->isEditing())
         return change(*this);
     QString error;
-    const std::optional<FileLock> writerLock = _impl->takeWriterLock(error);
-    if (!writerLock)
+    const WriterLock writerLock = _impl->takeWriterLock(error);
+    if (!writerLock.programs)
         return error;
+    const std::lock_guard lock(_impl->fileMutex);
     DatabaseFile::Saved saved;
     for (int attempt = 0; attempt < MostAttempts; ++attempt) {
         if (QString reason = applyToCurrentTree(change); !reason.isEmpty())
@@ -235,11 +238,11 @@ QString QueryDatabaseEngine::applyToCurrentTree(const Change& change)
             return _impl->reported.reason;
     }
     struct Editing {
-        bool& flag;
-        ~Editing() { flag = false; }
+        std::atomic<std::thread::id>& editor;
+        ~Editing() { editor = std::thread::id(); }
     };
-    _impl->editing = true;
-    const Editing reset{_impl->editing};
+    _impl->editor = std::this_thread::get_id();
+    const Editing reset{_impl->editor};
     return change(*this);
 }
 

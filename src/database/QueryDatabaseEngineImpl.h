@@ -4,6 +4,8 @@
 #include "database/QueryDatabaseEngine.h"
 #include "platform/FileLock.h"
 
+#include <thread>
+
 namespace quarry {
 
 /// Holds the root of the current tree. The nodes' look-up by UUID shares it, so that it may be asked by a node that
@@ -18,7 +20,13 @@ private:
     QueryCorePtr _root;
 };
 
-/// The engine's state. The order of locks: fileMutex, then the tree lock, then the small mutexes.
+/// What a writer holds: its turn among the threads of this program, and the lock among the programs.
+struct WriterLock {
+    std::unique_lock<std::mutex> threads;
+    std::optional<FileLock> programs; ///< None: it could not be had.
+};
+
+/// The engine's state. The order of locks: the writer lock, fileMutex, the tree lock, the small mutexes.
 struct QueryDatabaseEngine::Impl {
     explicit Impl(Parts engineParts);
 
@@ -26,14 +34,19 @@ struct QueryDatabaseEngine::Impl {
     void countQueries();
     void setLastError(const QString& error);
 
+    /// Waits for the writer lock for some seconds; readers go on meanwhile. `error` gets one line for a person on
+    /// failure.
+    [[nodiscard]] WriterLock takeWriterLock(QString& error);
+    /// Whether the calling thread is within an edit.
+    [[nodiscard]] bool isEditing() const { return editor.load() == std::this_thread::get_id(); }
+
+    [[nodiscard]] bool isThrottled();
+
     // With fileMutex held:
     /// Reads the file and makes its tree the current one; an empty tree for a damaged one. The log line gets a name
     /// and a reason, once for each fault.
     void load(QLatin1String logFormat);
-    [[nodiscard]] bool isThrottled() const;
-    /// Waits for the writer lock for some seconds. `error` gets one line for a person on failure.
-    [[nodiscard]] std::optional<FileLock> takeWriterLock(QString& error) const;
-    /// Saves under the writer lock, which the caller holds.
+    /// Saves; the caller holds the writer lock, too.
     DatabaseFile::Saved saveLocked();
     /// Back to what the file holds, after a change that could not be saved.
     void revert();
@@ -44,10 +57,11 @@ struct QueryDatabaseEngine::Impl {
 
     /// One load, save or edit at a time. Recursive: an edit's change calls the engine's own operations.
     std::recursive_mutex fileMutex;
-    DatabaseFile file;             ///< Guarded by fileMutex, as are the next three.
+    DatabaseFile file;             ///< Guarded by fileMutex, as are the next two.
     DatabaseFile::Loaded reported; ///< What the log was told last about a faulty file; never holds a tree.
     std::optional<Date> lastDBSave;
-    bool editing = false;
+    std::atomic<std::thread::id> editor{}; ///< The thread within an edit.
+    std::mutex writersOfThisProgram;
 
     std::shared_ptr<RootHolder> root;
     std::atomic<std::size_t> queriesNumber{0};
