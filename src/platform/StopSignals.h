@@ -1,6 +1,6 @@
 #pragma once
 
-#include <chrono>
+#include <atomic>
 
 namespace quarry {
 
@@ -11,13 +11,18 @@ class StopSignals final {
 public:
     StopSignals();
 
-    /// Waits for one. Returns at once when one came already.
-    void wait();
+    /// Waits for one. Returns at once when one came already. Answers false when none came until cancel().
+    bool wait();
+    /// Waits for one more than those that came so far; same answer.
+    bool waitForNext();
+    /// Ends a wait of another thread, now or as soon as it begins. The signals stay held back.
+    void cancel();
     /// Whether one has come; asks without waiting. Stays true.
     [[nodiscard]] bool hasCome();
 
 private:
-    bool _come = false;
+    std::atomic<bool> _come{false};
+    std::atomic<bool> _cancelled{false};
 };
 
 } // namespace quarry

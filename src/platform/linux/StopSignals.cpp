@@ -1,6 +1,7 @@
 #include "platform/StopSignals.h"
 
 #include <signal.h>
+#include <unistd.h>
 
 #include <ctime>
 
@@ -26,19 +27,36 @@ StopSignals::StopSignals()
     ::pthread_sigmask(SIG_BLOCK, &set, nullptr);
 }
 
-void StopSignals::wait()
+bool StopSignals::wait()
+{
+    return _come || waitForNext();
+}
+
+bool StopSignals::waitForNext()
 {
     const sigset_t set = stopSet();
     int signal = 0;
-    while (!_come)
-        _come = ::sigwait(&set, &signal) == 0;
+    while (!_cancelled && ::sigwait(&set, &signal) != 0)
+        ;
+    if (_cancelled)
+        return false;
+    _come = true;
+    return true;
+}
+
+void StopSignals::cancel()
+{
+    _cancelled = true;
+    // To the process as a whole: every thread holds it back, and the one that waits takes it.
+    ::kill(::getpid(), SIGTERM);
 }
 
 bool StopSignals::hasCome()
 {
     const sigset_t set = stopSet();
     const timespec atOnce = {};
-    _come = _come || ::sigtimedwait(&set, nullptr, &atOnce) > 0;
+    if (!_come)
+        _come = ::sigtimedwait(&set, nullptr, &atOnce) > 0;
     return _come;
 }
 

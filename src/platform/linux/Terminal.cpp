@@ -1,5 +1,6 @@
 #include "platform/Terminal.h"
 
+#include <signal.h>
 #include <unistd.h>
 
 namespace quarry {
@@ -7,6 +8,11 @@ namespace quarry {
 bool isTerminal(std::FILE* stream)
 {
     return ::isatty(::fileno(stream)) == 1;
+}
+
+void ignoreBrokenPipes()
+{
+    ::signal(SIGPIPE, SIG_IGN);
 }
 
 } // namespace quarry
