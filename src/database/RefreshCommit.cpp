@@ -27,7 +27,7 @@ QString RefreshCommit::commit()
     }
     const QString error = _database.edit([&](QueryDatabaseEngine& database) {
         for (const BroughtUpdate& brought : links) {
-            const QueryCorePtr node = database.queryForUUID(brought.asked._UUID);
+            const QueryCorePtr node = database.queryForUUID(brought.queryUuid);
             if (node && node->isLeaf() && node != brought.mergedInto.lock())
                 _merge(*node, brought);
         }

@@ -1,6 +1,5 @@
 #include "engines/QueryUpdate.h"
 
-#include "engines/QueryUpdateMerge.h"
 #include "model/TreeLock.h"
 
 #include <algorithm>
@@ -154,9 +153,10 @@ ResultList QueryUpdate::ask(SearchService service, const QString& address)
         _parts.observer->serviceAsked(_name, service);
     const FetchOutcome outcome = _fetcher.update(service, address);
     _stopped = _stopped || outcome.stopped;
+    if (_stopped)
+        return {};
     const ServiceFacts facts = factsOf(outcome);
-    if (!_stopped)
-        count(facts);
+    count(facts);
     if (_parts.observer)
         _parts.observer->serviceAnswered(_name, service, facts);
     return outcome.records.value_or(ResultList());
@@ -203,11 +203,12 @@ UpdateFacts QueryUpdate::merge()
         return facts;
     }
     const Date now = _parts.fetching.clock.now();
-    const MergeOutcome outcome = mergeIntoQuery(*node, _query, links, now, _parts.numberOfNewLinks, _parts.steps.merge);
+    const SearchDefinition asked = SearchDefinition::of(_query);
+    const MergeOutcome outcome = mergeIntoQuery(*node, asked, links, now, _parts.numberOfNewLinks, _parts.steps.merge);
     for (const QueryCorePtr& counted : {_node, node})
         counted->setUpdateCounters(outcome.added, outcome.blacklisted, outcome.excluded);
     if (_parts.journal)
-        _parts.journal({_query, links, now, node});
+        _parts.journal({_name.uuid, asked, links, now, node});
     facts.end = _failed > 0 && _answered == 0 ? UpdateEnd::Unreachable : UpdateEnd::Updated;
     facts.added = outcome.added;
     facts.excluded = outcome.excluded;

@@ -7,7 +7,17 @@ namespace quarry {
 /// After so many merges in vain somebody edits faster than they are made: the next one keeps everybody out.
 static constexpr int MostMergesBesideTheTree = 8;
 
-MergeOutcome mergeIntoQuery(QueryCore& node, const QueryFields& asked, const ResultList& links, Date now,
+SearchDefinition SearchDefinition::of(const QueryFields& query)
+{
+    return {query._query,
+            query._isAdvancedQuery,
+            query._combinedQueryList,
+            query._wordsRestriction,
+            query._websiteRestriction,
+            query._urlRegularExpression};
+}
+
+MergeOutcome mergeIntoQuery(QueryCore& node, const SearchDefinition& asked, const ResultList& links, Date now,
                             qint64 numberOfNewLinks, const MergeHooks& hooks)
 {
     for (int attempt = 0;; ++attempt) {
@@ -18,17 +28,10 @@ MergeOutcome mergeIntoQuery(QueryCore& node, const QueryFields& asked, const Res
         const QueryFields& query = snapshot.fields;
         MergeOutcome outcome = compareWithKnownLinks(query, links, expiresPreviousResults(query),
                                                      {now, snapshot.sortType, numberOfNewLinks}, hooks);
-        const Date date = asksForTheSame(asked, query) ? now : query._lastUpdate.value_or(Date::reference());
+        const Date date = asked == SearchDefinition::of(query) ? now : query._lastUpdate.value_or(Date::reference());
         if (node.replaceResultsIfUnchanged(snapshot.generation, outcome.results, date))
             return outcome;
     }
-}
-
-bool asksForTheSame(const QueryFields& a, const QueryFields& b)
-{
-    return a._query == b._query && a._isAdvancedQuery == b._isAdvancedQuery &&
-           a._combinedQueryList == b._combinedQueryList && a._wordsRestriction == b._wordsRestriction &&
-           a._websiteRestriction == b._websiteRestriction && a._urlRegularExpression == b._urlRegularExpression;
 }
 
 } // namespace quarry

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engines/ResultMerge.h"
+#include "engines/QueryUpdateMerge.h"
 #include "engines/ServiceFetcher.h"
 #include "engines/UpdateObserver.h"
 #include "model/QueryCore.h"
@@ -13,9 +13,10 @@ namespace quarry {
 
 /// What an update brought for its query, to be merged again where the tree it was merged into is no longer in use.
 struct BroughtUpdate {
-    QueryFields asked; ///< The query as it was when its services were asked.
-    ResultList links;  ///< In the order of the merge.
-    Date date;         ///< Of the merge.
+    QString queryUuid;
+    SearchDefinition asked;
+    ResultList links; ///< In the order of the merge.
+    Date date;        ///< Of the merge.
     std::weak_ptr<QueryCore> mergedInto;
 };
 

@@ -47,6 +47,7 @@ class UpdateObserver {
 public:
     virtual ~UpdateObserver() = default;
     virtual void updateStarted(const UpdatedQuery& query) = 0;
+    /// Not answered when the program is asked to stop meanwhile.
     virtual void serviceAsked(const UpdatedQuery& query, SearchService service) = 0;
     virtual void serviceAnswered(const UpdatedQuery& query, SearchService service, const ServiceFacts& facts) = 0;
     /// The last word about an update; before its notifications.

@@ -25,7 +25,7 @@ protected:
         const QueryCorePtr node = engine->queries()->at(index);
         const ResultList links{ResultRecord().withTitle(QStringLiteral("new"))};
         setResults(node, links);
-        commit->add({node->snapshot().fields, links, Date(2.0), node});
+        commit->add({node->UUID(), SearchDefinition::of(node->snapshot().fields), links, Date(2.0), node});
     }
     QString resultsInFile()
     {
