@@ -1,0 +1,147 @@
+#include "apps/updater/Refresh.h"
+
+#include "apps/updater/RefreshJournal.h"
+#include "apps/updater/RefreshTargets.h"
+#include "archive/StringTable.h"
+#include "database/Preferences.h"
+#include "database/Schedule.h"
+#include "engines/QueryUpdater.h"
+#include "platform/FileLock.h"
+
+#include <QFileInfo>
+
+namespace quarry {
+
+namespace {
+
+constexpr std::chrono::milliseconds PauseBetweenStarts(500);
+
+} // namespace
+
+/// What a running refresh works with. The updater ends first: its updates use the others.
+struct Refresh::Work {
+    StringTable texts = StringTable::ofProgram();
+    SearchAddresses addresses;
+    std::optional<QueryDatabaseEngine> database;
+    std::optional<RefreshJournal> journal;
+    std::optional<QueryUpdater> updater;
+
+    Work(const SearchServices& services) : addresses(services, [this](const QString& key) { return texts.text(key); })
+    {
+    }
+};
+
+Refresh::Refresh(UpdaterOptions options, RefreshProgress& progress)
+    : _options(std::move(options)), _progress(progress), _home(_options.home), _clock(_options.clockOffset)
+{
+}
+
+void Refresh::stop()
+{
+    _pauser.stop();
+    _loader.stop();
+}
+
+int Refresh::run()
+{
+    const int status = refresh();
+    _progress.refreshFinished(status);
+    return status;
+}
+
+int Refresh::refuse(int status, const QString& reason)
+{
+    _progress.message(reason);
+    return status;
+}
+
+void Refresh::noteFault(const QString& fault)
+{
+    if (!fault.isEmpty())
+        _progress.message(fault);
+}
+
+int Refresh::refresh()
+{
+    if (const QString error = _home.makeFolders(); !error.isEmpty())
+        return refuse(NotSaved, error);
+    if (!QFileInfo(_home.supportFolder()).isWritable())
+        return refuse(NotSaved, QStringLiteral("the folder %1 cannot be written").arg(_home.supportFolder()));
+    const std::optional<FileLock> onlyOne = FileLock::tryAcquire(_home.updaterLockFile());
+    if (!onlyOne)
+        return refuse(AnotherRuns, QStringLiteral("another refresh runs already"));
+
+    QString fault;
+    const Preferences::Settings settings = Preferences(_home, _files).read(&fault);
+    noteFault(fault);
+    Work work(services());
+    const ServiceFetcher::Parts fetching = {_loader,
+                                            _pauser,
+                                            _clock,
+                                            _files,
+                                            [&work](const QString& key) { return work.texts.text(key); },
+                                            _home.cachesFolder(),
+                                            settings.resultsPerEngine};
+    QueryUpdateParts parts = {work.addresses, fetching, _notifications, {}, settings.numberOfNewLinks, {}, {},
+                              &_progress};
+    parts.findQuery = [&work](const QString& uuid) { return work.database->queryForUUID(uuid); };
+    parts.journal = [&work](const BroughtUpdate& brought) { work.journal->add(brought); };
+    work.updater.emplace(parts);
+    work.database.emplace(
+        QueryDatabaseEngine::Parts{_home, _clock, _pauser, _files, _notifications, &*work.updater, {}},
+        QueryDatabaseEngine::AtEnd::Discard);
+    if (const QString error = work.database->lastError(); !error.isEmpty())
+        return refuse(NotSaved, QStringLiteral("the database cannot be read: ") + error);
+    work.journal.emplace(*work.database, _progress, settings.numberOfNewLinks);
+    const int status = _options.queries.isEmpty() ? startAll(work) : startNamed(work);
+    return status == AllUpdated ? finish(work) : status;
+}
+
+SearchServices Refresh::services()
+{
+    const SearchServices::Loaded loaded = SearchServices::load(_home.searchServicesFile());
+    noteFault(loaded.error);
+    return loaded.services;
+}
+
+int Refresh::startAll(Work& work)
+{
+    _progress.refreshStarted(queriesOfFullRefresh(work.database->rootQuery()).size());
+    work.database->updateAllQueries();
+    return AllUpdated;
+}
+
+int Refresh::startNamed(Work& work)
+{
+    const RefreshTargets targets = RefreshTargets::named(work.database->rootQuery(), _options.queries);
+    if (!targets.error.isEmpty())
+        return refuse(WrongUse, targets.error);
+    qsizetype expected = targets.paused.size();
+    for (const QList<QueryCorePtr>& queries : targets.queries)
+        expected += queries.size();
+    _progress.refreshStarted(expected);
+    for (const QueryCorePtr& node : targets.paused)
+        _progress.queryPaused({node->UUID(), node->title()});
+    for (const QList<QueryCorePtr>& queries : targets.queries) {
+        for (const QueryCorePtr& query : queries)
+            work.database->updateQuery(query);
+        if (!_pauser.pause(PauseBetweenStarts))
+            break;
+    }
+    return AllUpdated;
+}
+
+int Refresh::finish(Work& work)
+{
+    work.updater->waitUntilIdle();
+    if (!work.journal->finish())
+        return NotSaved;
+    if (_pauser.isStopped())
+        return Stopped;
+    // The schedule goes by this: written whatever came of single queries.
+    if (_options.queries.isEmpty())
+        noteFault(Schedule(_home, _files).setLastUpdate(_clock.now()));
+    return _progress.someNotUpdated() ? SomeNotUpdated : AllUpdated;
+}
+
+} // namespace quarry

@@ -1,0 +1,61 @@
+#include "apps/updater/RefreshJournal.h"
+
+namespace quarry {
+
+static void mergeAgain(QueryCore& node, const BroughtUpdate& brought, qint64 numberOfNewLinks)
+{
+    // A save that came between the links' merge and their entry here has them in the file already.
+    if (node.date() != brought.date)
+        mergeIntoQuery(node, brought.asked, brought.links, brought.date, numberOfNewLinks, {});
+}
+
+RefreshJournal::RefreshJournal(QueryDatabaseEngine& database, RefreshProgress& progress, qint64 numberOfNewLinks,
+                               std::chrono::milliseconds every)
+    : _progress(progress), _commit(database,
+                                   [numberOfNewLinks](QueryCore& node, const BroughtUpdate& brought) {
+                                       mergeAgain(node, brought, numberOfNewLinks);
+                                   }),
+      _saver([this, every] { saveNowAndThen(every); })
+{
+}
+
+RefreshJournal::~RefreshJournal()
+{
+    static_cast<void>(finish());
+}
+
+bool RefreshJournal::finish()
+{
+    {
+        const std::lock_guard lock(_mutex);
+        _isFinishing = true;
+    }
+    _finishing.notify_all();
+    if (_saver.joinable())
+        _saver.join();
+    return commit();
+}
+
+void RefreshJournal::saveNowAndThen(std::chrono::milliseconds every)
+{
+    std::unique_lock lock(_mutex);
+    while (!_finishing.wait_for(lock, every, [this] { return _isFinishing; })) {
+        lock.unlock();
+        commit();
+        lock.lock();
+    }
+}
+
+bool RefreshJournal::commit()
+{
+    if (_commit.isEmpty())
+        return true;
+    const QString error = _commit.commit();
+    if (error.isEmpty())
+        _progress.saved();
+    else
+        _progress.saveFailed(error);
+    return error.isEmpty();
+}
+
+} // namespace quarry
