@@ -1,5 +1,6 @@
 #include "text/EncodingTable.h"
 #include "text/PageDecoding.h"
+#include "text/UnitSearch.h"
 
 #include <QByteArrayView>
 #include <QStringDecoder>
@@ -66,12 +67,14 @@ QByteArray convertLossily(const QString& text, const char* name)
 
 bool isAscii(QStringView text)
 {
-    return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; });
+    const char16_t* const end = text.utf16() + text.size();
+    return findUnit(text.utf16(), end, [](auto unit) { return (unit & 0xFF80) != 0; }) == end;
 }
 
 bool hasSurrogate(QStringView text)
 {
-    return std::any_of(text.begin(), text.end(), [](QChar c) { return c.isSurrogate(); });
+    const char16_t* const end = text.utf16() + text.size();
+    return findUnit(text.utf16(), end, [](auto unit) { return (unit & 0xF800) == 0xD800; }) != end;
 }
 
 } // namespace

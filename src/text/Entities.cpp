@@ -1,6 +1,7 @@
 #include "text/Entities.h"
 
 #include "text/Data.h"
+#include "text/FoldedSearch.h"
 #include "text/Lines.h"
 #include "text/PercentEscapes.h"
 #include "text/UnitSearch.h"
@@ -145,7 +146,7 @@ XmlReference xmlReference(QStringView text)
     static constexpr std::pair<QStringView, char32_t> named[] = {
         {u"&amp;", U'&'}, {u"&lt;", U'<'}, {u"&gt;", U'>'}, {u"&quot;", U'"'}, {u"&apos;", U'\''}};
     for (const auto& [entity, character] : named) {
-        if (text.startsWith(entity))
+        if (standsAt(text, 0, entity))
             return {entity.size(), character};
     }
     return {};
@@ -175,27 +176,32 @@ QString mapEntityToString(const QString& name)
 
 QString stringByUnescapingExtendedCharacters(const QString& text)
 {
-    const char16_t* const original = QStringView(text).utf16();
-    if (findUnit(original, original + text.size(), u'&') == original + text.size())
-        return trim(text);
     QString result = text;
-    char16_t* const begin = writableUnits(result);
-    const char16_t* const end = begin + result.size();
-    char16_t* out = begin;
-    const char16_t* in = begin;
+    unescapeExtendedCharacters(result);
+    return trim(result);
+}
+
+void unescapeExtendedCharacters(QString& text)
+{
+    const char16_t* const original = QStringView(text).utf16();
+    const qsizetype first = findUnit(original, original + text.size(), u'&') - original;
+    if (first == text.size())
+        return;
+    char16_t* const begin = writableUnits(text);
+    const char16_t* const end = begin + text.size();
+    char16_t* out = begin + first;
+    const char16_t* in = out; // At an "&".
     while (in != end) {
-        const char16_t* const amp = findUnit(in, end, u'&');
-        const char16_t* const semicolon = findUnit(amp, end, u';');
+        const char16_t* const semicolon = findUnit(in, end, u';');
         if (semicolon == end)
             break;
-        out = moveUnits(out, in, amp);
-        const qsizetype written = writeEntity(QStringView(amp + 1, semicolon), out);
-        out = written > 0 ? out + written : moveUnits(out, amp, semicolon + 1);
-        in = semicolon + 1;
+        const qsizetype written = writeEntity(QStringView(in + 1, semicolon), out);
+        out = written > 0 ? out + written : moveUnits(out, in, semicolon + 1);
+        in = findUnit(semicolon + 1, end, u'&');
+        out = moveUnits(out, semicolon + 1, in);
     }
     out = moveUnits(out, in, end);
-    result.truncate(out - begin);
-    return trim(result);
+    text.truncate(out - begin);
 }
 
 QString stringByEscapingExtendedCharacters(const QString& text)

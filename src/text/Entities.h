@@ -12,6 +12,9 @@ namespace quarry {
 /// Every entity, from "&" to the next ";", replaced by mapEntityToString of what stands between; trimmed.
 [[nodiscard]] QString stringByUnescapingExtendedCharacters(const QString& text);
 
+/// The same in place, not trimmed.
+void unescapeExtendedCharacters(QString& text);
+
 /// Every UTF-16 unit at or above 128 as a decimal reference: "&#233;".
 [[nodiscard]] QString stringByEscapingExtendedCharacters(const QString& text);
 

@@ -15,6 +15,18 @@ namespace quarry {
     return QChar::isSurrogate(c) ? c : static_cast<char16_t>(QChar::toCaseFolded(char32_t{c}));
 }
 
+/// True when the marker stands at the position, case counted.
+[[nodiscard]] inline bool standsAt(QStringView text, qsizetype at, QStringView marker)
+{
+    if (marker.size() > text.size() - at)
+        return false;
+    for (qsizetype i = 0; i < marker.size(); ++i) {
+        if (text[at + i] != marker[i])
+            return false;
+    }
+    return true;
+}
+
 /// True when the folded marker stands at the position.
 [[nodiscard]] inline bool standsFoldedAt(QStringView text, qsizetype at, QStringView foldedMarker)
 {

@@ -2,24 +2,9 @@
 
 #include <QStringDecoder>
 
-#include <array>
-
 namespace quarry {
 
 namespace {
-
-constexpr std::array<bool, 128> addressCharacters = [] {
-    std::array<bool, 128> allowed{};
-    for (char c = 'a'; c <= 'z'; ++c)
-        allowed[static_cast<unsigned char>(c)] = true;
-    for (char c = 'A'; c <= 'Z'; ++c)
-        allowed[static_cast<unsigned char>(c)] = true;
-    for (char c = '0'; c <= '9'; ++c)
-        allowed[static_cast<unsigned char>(c)] = true;
-    for (const char* p = ";/?:@&=+$,-_.!~*'()"; *p != '\0'; ++p)
-        allowed[static_cast<unsigned char>(*p)] = true;
-    return allowed;
-}();
 
 void appendEscapedByte(QString& out, unsigned byte)
 {
@@ -51,11 +36,6 @@ QString escapedUnless(const QString& text, Keep keep)
 }
 
 } // namespace
-
-bool isAddressCharacter(char16_t c)
-{
-    return c < addressCharacters.size() && addressCharacters[c];
-}
 
 bool isPercentEscape(QStringView text, qsizetype at)
 {

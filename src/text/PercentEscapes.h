@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringView>
 
+#include <array>
 #include <optional>
 
 namespace quarry {
@@ -18,8 +19,19 @@ namespace quarry {
 /// escape, "#" after the first one, and brackets outside `literalHost` (an IPv6 host, as a range of `text`).
 [[nodiscard]] QString escapedForAddress(const QString& text, QStringView literalHost);
 
+inline constexpr std::array<bool, 128> addressCharacters = [] {
+    std::array<bool, 128> allowed{};
+    for (const char* p = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789;/?:@&=+$,-_.!~*'()";
+         *p != '\0'; ++p)
+        allowed[static_cast<unsigned char>(*p)] = true;
+    return allowed;
+}();
+
 /// RFC 2396's reserved and unreserved characters.
-[[nodiscard]] bool isAddressCharacter(char16_t c);
+[[nodiscard]] constexpr bool isAddressCharacter(char16_t c)
+{
+    return c < addressCharacters.size() && addressCharacters[c];
+}
 
 /// The value of a hexadecimal digit, or -1.
 [[nodiscard]] constexpr int hexDigitValue(char16_t c)

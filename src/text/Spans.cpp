@@ -95,8 +95,11 @@ private:
 
 void removeHTMLTagBeginingWith(QString& text, QStringView begin, QStringView endingTag)
 {
-    const QString foldedBegin = foldedMarker(begin);
-    const QString foldedEnd = foldedMarker(endingTag);
+    removeFoldedSpans(text, foldedMarker(begin), foldedMarker(endingTag));
+}
+
+void removeFoldedSpans(QString& text, QStringView foldedBegin, QStringView foldedEnd)
+{
     if (foldedEnd.isEmpty() || indexOfFolded(text, foldedBegin) < 0)
         return;
     GappedText gapped(text);

@@ -11,6 +11,9 @@ namespace quarry {
 /// stops the removal. Nothing happens when a marker is empty.
 void removeHTMLTagBeginingWith(QString& text, QStringView begin, QStringView endingTag);
 
+/// The same with markers that are in folded form already.
+void removeFoldedSpans(QString& text, QStringView foldedBegin, QStringView foldedEnd);
+
 /// Replaces every occurrence of a text by another, literally, in one pass. Nothing happens when `a` is empty.
 void replaceString(QString& text, const QString& a, const QString& withString);
 

@@ -50,6 +50,13 @@ bool mayBeginUnwanted(QStringView text)
     }
 }
 
+/// Tells most other tags from the line-breaking ones by their first letter.
+bool mayBreakLine(QStringView text)
+{
+    const char16_t c = text.size() > 2 ? foldedUnit(text[1].unicode()) : u'\0';
+    return c == u'b' || c == u'p' || c == u'/' || c == u'h';
+}
+
 // What the passes over HTML, over HTML made ready for the tag scanner, and for tags only do not share.
 
 struct HtmlRules {
@@ -64,7 +71,7 @@ struct HtmlRules {
                    ((unit == u' ') & (previous == u' '));
         });
     }
-    static bool standsAt(QStringView text, QStringView marker) { return standsFoldedAt(text, 0, marker); }
+    static bool begins(QStringView text, QStringView marker) { return standsFoldedAt(text, 0, marker); }
     static bool isBeyond(QStringView text) { return mayBeginUnwanted(text); }
 };
 
@@ -73,7 +80,7 @@ struct PreparedHtmlRules {
     static constexpr bool quotesCountInText = false;
 
     static const char16_t* findTextEvent(const char16_t* p, const char16_t* end) { return findUnit(p, end, u'<'); }
-    static bool standsAt(QStringView, QStringView) { return false; }
+    static bool begins(QStringView, QStringView) { return false; }
     static bool isBeyond(QStringView) { return false; }
 };
 
@@ -85,7 +92,7 @@ struct TagsOnlyRules {
     {
         return findUnit(p, end, [](auto unit) { return (unit == u'<') | (unit == u'"'); });
     }
-    static bool standsAt(QStringView text, QStringView marker) { return text.startsWith(marker); }
+    static bool begins(QStringView text, QStringView marker) { return standsAt(text, 0, marker); }
     static bool isBeyond(QStringView) { return false; }
 };
 
@@ -160,7 +167,7 @@ private:
             *_out++ = *_in++;
             break;
         case u'&':
-            takeMarkerOrUnit(Rules::standsAt(rest, noBreakSpace) ? noBreakSpace.size() : 0);
+            takeMarkerOrUnit(Rules::begins(rest, noBreakSpace) ? noBreakSpace.size() : 0);
             break;
         default:
             takeBlanks();
@@ -170,10 +177,12 @@ private:
 
     bool takeTagBegin(QStringView rest)
     {
-        for (const QStringView marker : lineBreakingTags) {
-            if (Rules::standsAt(rest, marker)) {
-                takeMarkerOrUnit(marker.size());
-                return true;
+        if (mayBreakLine(rest)) {
+            for (const QStringView marker : lineBreakingTags) {
+                if (Rules::begins(rest, marker)) {
+                    takeMarkerOrUnit(marker.size());
+                    return true;
+                }
             }
         }
         if (Rules::isBeyond(rest))
@@ -258,7 +267,7 @@ QString scanHtmlStepByStep(const QString& normalisedText)
     if (body > 0)
         text.remove(0, body);
     for (const Span& span : unwantedSpans)
-        removeHTMLTagBeginingWith(text, span.begin, span.end);
+        removeFoldedSpans(text, span.begin, span.end);
     QString plain;
     (void)OnePass<PreparedHtmlRules>(text).run(plain);
     return plain;

@@ -52,7 +52,8 @@ QString stringByRemovingHTML(const QString& text)
         plain = scanHtmlStepByStep(normalised(text));
     removeDashes(plain);
     unescapeXml(plain);
-    return stringByUnescapingExtendedCharacters(plain);
+    unescapeExtendedCharacters(plain);
+    return trim(plain);
 }
 
 QString stringByRemovingTagOnly(const QString& text)

@@ -1,5 +1,7 @@
 #include "text/Url.h"
 
+#include "text/FoldedSearch.h"
+
 #include <QUrl>
 
 #include <algorithm>
@@ -8,19 +10,32 @@ namespace quarry {
 
 namespace {
 
+bool isLetter(char16_t c)
+{
+    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');
+}
+
+bool isDigit(char16_t c)
+{
+    return c >= u'0' && c <= u'9';
+}
+
 bool isSchemeText(QStringView text)
 {
-    const auto letter = [](QChar c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z'); };
-    if (text.isEmpty() || !letter(text.front()))
-        return false;
-    return std::all_of(text.begin(), text.end(), [&](QChar c) {
-        return letter(c) || (c >= u'0' && c <= u'9') || c == u'+' || c == u'-' || c == u'.';
+    return !text.isEmpty() && isLetter(text.front().unicode()) && std::all_of(text.begin(), text.end(), [](QChar unit) {
+        const char16_t c = unit.unicode();
+        return isLetter(c) || isDigit(c) || c == u'+' || c == u'-' || c == u'.';
     });
+}
+
+bool endsAuthority(QChar c)
+{
+    return c == u'/' || c == u'?' || c == u'#';
 }
 
 bool isHostCharacter(QChar c)
 {
-    return isAddressCharacter(c.unicode()) && !QStringView(u"/?:@").contains(c);
+    return isAddressCharacter(c.unicode()) && c != u'/' && c != u'?' && c != u':' && c != u'@';
 }
 
 /// The host as names are looked up: escapes undone, ASCII form. Empty when that cannot be done.
@@ -49,7 +64,7 @@ bool isReadablePort(QStringView digits)
 {
     unsigned value = 0;
     for (const QChar c : digits) {
-        if (c < u'0' || c > u'9' || value > 65535)
+        if (!isDigit(c.unicode()) || value > 65535)
             return false;
         value = value * 10 + (c.unicode() - u'0');
     }
@@ -59,12 +74,14 @@ bool isReadablePort(QStringView digits)
 /// The bracketed host of an address that has one; empty otherwise.
 QStringView literalHostOf(const QString& text)
 {
+    if (!text.contains(u'['))
+        return {};
     const qsizetype slashes = text.indexOf(u"//");
     if (slashes < 0 || text.indexOf(u'/') != slashes || text.left(slashes).contains(u'?') ||
         text.left(slashes).contains(u'#'))
         return {};
     qsizetype end = slashes + 2;
-    while (end < text.size() && !QStringView(u"/?#").contains(text[end]))
+    while (end < text.size() && !endsAuthority(text[end]))
         ++end;
     const QStringView authority = QStringView(text).mid(slashes + 2, end - slashes - 2);
     const QStringView server = authority.mid(authority.lastIndexOf(u'@') + 1);
@@ -151,7 +168,7 @@ bool Url::split()
 {
     const QStringView text = _text;
     qsizetype at = 0;
-    while (at < text.size() && !QStringView(u":/?#").contains(text[at]))
+    while (at < text.size() && text[at] != u':' && !endsAuthority(text[at]))
         ++at;
     if (at < text.size() && text[at] == u':' && isSchemeText(text.left(at)))
         _scheme = {0, at++};
@@ -159,10 +176,10 @@ bool Url::split()
         at = 0;
 
     bool readable = true;
-    if (text.mid(at).startsWith(u"//")) {
+    if (standsAt(text, at, u"//")) {
         const qsizetype begin = at + 2;
         at = begin;
-        while (at < text.size() && !QStringView(u"/?#").contains(text[at]))
+        while (at < text.size() && !endsAuthority(text[at]))
             ++at;
         readable = splitAuthority(begin, at);
     }
