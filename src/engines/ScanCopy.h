@@ -11,8 +11,7 @@ namespace quarry {
 /// parts. A cheap, implicitly shared value; safe to read from several threads. All comparisons ignore case.
 class ScanCopy final {
 public:
-    /// Made in the text itself where nobody else shares it.
-    explicit ScanCopy(QString code);
+    explicit ScanCopy(QStringView code);
 
     [[nodiscard]] QStringView text() const { return _text; }
 
