@@ -173,8 +173,8 @@ std::optional<StoredText> ArchiveReader::text(const ArchivedValue& value)
     _archive->resolve(slotOf(value.item, Name::Bytes), content);
     if (content.type != Type::Data || !spendBytes(content.count))
         return std::nullopt;
-    return StoredText::copyOf(
-        QString::fromUtf8(reinterpret_cast<const char*>(content.bytes), static_cast<qsizetype>(content.count)));
+    return StoredText::copyOfUtf8(
+        {reinterpret_cast<const char*>(content.bytes), static_cast<std::size_t>(content.count)});
 }
 
 std::optional<ArchivedNumber> ArchiveReader::number(const ArchivedValue& value)

@@ -88,6 +88,17 @@ StoredText StoredText::copyOf(QStringView text)
     return result;
 }
 
+StoredText StoredText::copyOfUtf8(std::string_view text)
+{
+    const bool isPlain = std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
+    if (!isPlain || text.empty())
+        return copyOf(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+    StoredText result = view(allocateBlock(text.size()), static_cast<std::uint32_t>(text.size()), Encoding::Ascii);
+    std::memcpy(const_cast<char*>(result._bytes), text.data(), text.size());
+    result._owned = true;
+    return result;
+}
+
 QString StoredText::toString() const
 {
     if (_length == 0)

@@ -38,6 +38,8 @@ public:
     /// Of bytes that outlive this text and every copy of it. `length` counts characters: bytes or units.
     [[nodiscard]] static StoredText view(const char* bytes, std::uint32_t length, Encoding encoding);
     [[nodiscard]] static StoredText copyOf(QStringView text);
+    /// The same from UTF-8; broken bytes become replacement characters.
+    [[nodiscard]] static StoredText copyOfUtf8(std::string_view text);
 
     [[nodiscard]] QString toString() const;
     [[nodiscard]] std::uint32_t length() const { return _length; }

@@ -1,0 +1,225 @@
+// Load and save of a large database, beside SQLite doing the same. Each measurement is a process of its own, so that
+// its peak memory is its own.
+
+#include "BenchTree.h"
+#include "SqliteTree.h"
+#include "model/QueryArchive.h"
+#include "platform/FileStore.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <iostream>
+
+namespace quarry::bench {
+
+namespace {
+
+struct Options {
+    int queries = 1000;
+    int results = 100;
+    int runs = 5;
+    std::string role;
+    std::string folder;
+};
+
+struct Sample {
+    double seconds = 0.0;
+    double peakMegabytes = 0.0;
+};
+
+constexpr double Megabyte = 1e6;
+
+QString databasePath(const QString& folder)
+{
+    return folder + QStringLiteral("/Database.qsdata");
+}
+
+QString sqlitePath(const QString& folder)
+{
+    return folder + QStringLiteral("/Database.sqlite");
+}
+
+/// The most memory this process ever had, in megabytes.
+double peakMegabytes()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0.0;
+    for (const QByteArray& line : status.readAll().split('\n')) {
+        if (line.startsWith("VmHWM:"))
+            return line.mid(6).trimmed().split(' ').first().toDouble() * 1024.0 / Megabyte;
+    }
+    return 0.0;
+}
+
+LoadedTree load(const QString& folder)
+{
+    return loadTree(DiskFileStore().read(databasePath(folder)).bytes);
+}
+
+bool save(const QueryCorePtr& root, const QString& folder)
+{
+    DiskFileStore files;
+    return files
+        .replace(databasePath(folder), QStringLiteral(".dat"), 0660,
+                 [&](ByteSink& sink) { return saveTree(root, sink); })
+        .ok();
+}
+
+bool checkedSave(const QueryCorePtr& root, const QString& folder)
+{
+    return root && save(root, folder);
+}
+
+void collect(const QueryCorePtr& node, ResultList& records)
+{
+    const QueryCore::Snapshot state = node->snapshot();
+    records += state.fields._currentResult.value_or(ResultList());
+    for (const QueryCorePtr& child : state.childs.value_or(QList<QueryCorePtr>()))
+        collect(child, records);
+}
+
+/// Both files hold the same records, so that both sides were measured doing the same.
+bool filesAgree(const QString& folder)
+{
+    ResultList ours;
+    const LoadedTree tree = load(folder);
+    if (tree.root)
+        collect(tree.root, ours);
+    return !ours.isEmpty() && ours == readFromSqlite(sqlitePath(folder));
+}
+
+template <typename Action>
+int measured(const Action& action)
+{
+    const auto start = std::chrono::steady_clock::now();
+    const bool ok = action();
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+    std::printf("%.4f %.1f\n", took.count(), peakMegabytes());
+    std::fflush(stdout);
+    // What was loaded is not taken apart again: that is not part of the measurement.
+    std::_Exit(ok ? 0 : 1);
+}
+
+int runRole(const Options& options)
+{
+    const QString folder = QString::fromStdString(options.folder);
+    if (options.role == "make") {
+        const QueryCorePtr root = makeTree(options.queries, options.results);
+        return checkedSave(root, folder) && saveToSqlite(root, sqlitePath(folder)) && filesAgree(folder) ? 0 : 1;
+    }
+    if (options.role == "load") {
+        LoadedTree tree;
+        return measured([&] { return (tree = load(folder)).root != nullptr; });
+    }
+    if (options.role == "read-sqlite") {
+        ResultList records;
+        return measured([&] { return !(records = readFromSqlite(sqlitePath(folder))).isEmpty(); });
+    }
+    const LoadedTree tree = load(folder);
+    if (options.role == "save")
+        return measured([&] { return checkedSave(tree.root, folder); });
+    if (options.role == "save-sqlite")
+        return measured([&] { return saveToSqlite(tree.root, sqlitePath(folder)); });
+    return 2;
+}
+
+class Measurements final {
+public:
+    Measurements(const Options& options, const QString& folder) : _options(options), _folder(folder) {}
+
+    bool make() { return start("make").exitCode == 0; }
+
+    /// The median of the runs, by seconds; none when one failed.
+    std::optional<Sample> median(const char* role)
+    {
+        std::vector<Sample> samples;
+        for (int i = 0; i < _options.runs; ++i) {
+            const Outcome outcome = start(role);
+            const QList<QByteArray> words = outcome.output.trimmed().split(' ');
+            if (outcome.exitCode != 0 || words.size() != 2)
+                return std::nullopt;
+            samples.push_back({words[0].toDouble(), words[1].toDouble()});
+        }
+        std::sort(samples.begin(), samples.end(),
+                  [](const Sample& a, const Sample& b) { return a.seconds < b.seconds; });
+        return samples[samples.size() / 2];
+    }
+
+private:
+    struct Outcome {
+        int exitCode = -1;
+        QByteArray output;
+    };
+
+    Outcome start(const char* role)
+    {
+        QProcess child;
+        child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        child.start(QCoreApplication::applicationFilePath(),
+                    {QStringLiteral("--role"), QString::fromLatin1(role), QStringLiteral("--folder"), _folder,
+                     QStringLiteral("--queries"), QString::number(_options.queries), QStringLiteral("--results"),
+                     QString::number(_options.results)});
+        if (!child.waitForFinished(-1) || child.exitStatus() != QProcess::NormalExit)
+            return {};
+        return {child.exitCode(), child.readAllStandardOutput()};
+    }
+
+    Options _options;
+    QString _folder;
+};
+
+int report(const Options& options)
+{
+    const QTemporaryDir folder(QDir::currentPath() + QStringLiteral("/bench-database-XXXXXX"));
+    Measurements measure(options, folder.path());
+    if (!folder.isValid() || !measure.make()) {
+        std::fprintf(stderr, "bench_database: the databases could not be made, or do not hold the same\n");
+        return 1;
+    }
+    const auto read = measure.median("read-sqlite");
+    const auto load = measure.median("load");
+    const auto saveSqlite = measure.median("save-sqlite");
+    const auto save = measure.median("save");
+    if (!read || !load || !saveSqlite || !save) {
+        std::fprintf(stderr, "bench_database: a measurement failed\n");
+        return 1;
+    }
+    const double file = double(QFileInfo(databasePath(folder.path())).size()) / Megabyte;
+    const double sqliteFile = double(QFileInfo(sqlitePath(folder.path())).size()) / Megabyte;
+    std::printf("%d queries with %d results, median of %d runs; file %.1f MB, SQLite's %.1f MB\n", options.queries,
+                options.results, options.runs, file, sqliteFile);
+    const auto line = [&](const char* what, const Sample& ours, const Sample& theirs) {
+        std::printf("%-5s %7.3f s   SQLite %7.3f s   ratio %5.2f   peak %7.1f MB = %.2f files\n", what, ours.seconds,
+                    theirs.seconds, ours.seconds / theirs.seconds, ours.peakMegabytes, ours.peakMegabytes / file);
+    };
+    line("load", *load, *read);
+    line("save", *save, *saveSqlite);
+    return 0;
+}
+
+} // namespace
+
+} // namespace quarry::bench
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    quarry::bench::Options options;
+    CLI::App arguments("Measures load and save of a large database beside SQLite");
+    arguments.add_option("--queries", options.queries, "Number of queries");
+    arguments.add_option("--results", options.results, "Results of each query");
+    arguments.add_option("--runs", options.runs, "Runs of each measurement; the median counts");
+    arguments.add_option("--role", options.role, "One measurement, in this process")->group("");
+    arguments.add_option("--folder", options.folder, "Where the files of a measurement are")->group("");
+    CLI11_PARSE(arguments, argc, argv);
+    return options.role.empty() ? quarry::bench::report(options) : quarry::bench::runRole(options);
+}
