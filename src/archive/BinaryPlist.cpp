@@ -8,7 +8,6 @@ namespace quarry {
 
 namespace {
 
-constexpr std::uint64_t HeaderSize = 8;
 constexpr std::uint64_t TrailerSize = 32;
 /// Longer texts do not fit a QString on every machine, and no page is that long.
 constexpr std::uint64_t MaximumTextLength = 0x3fffffff;
@@ -147,33 +146,16 @@ std::optional<BinaryPlist> BinaryPlist::open(const QByteArray& bytes, QString& r
     return plist;
 }
 
-std::uint64_t BinaryPlist::readInteger(const unsigned char* bytes, unsigned width)
+std::uint64_t BinaryPlist::readOddInteger(const unsigned char* bytes, unsigned width)
 {
-    switch (width) {
-    case 1:
-        return bytes[0];
-    case 2:
-        return qFromBigEndian<quint16>(bytes);
-    case 4:
-        return qFromBigEndian<quint32>(bytes);
-    case 8:
-        return qFromBigEndian<quint64>(bytes);
-    default: {
-        std::uint64_t value = 0;
-        for (unsigned i = 0; i < width; ++i)
-            value = value << 8 | bytes[i];
-        return value;
-    }
-    }
+    std::uint64_t value = 0;
+    for (unsigned i = 0; i < width; ++i)
+        value = value << 8 | bytes[i];
+    return value;
 }
 
-PlistItem BinaryPlist::item(std::uint32_t object) const
+PlistItem BinaryPlist::itemAt(std::uint64_t offset) const
 {
-    if (object >= _objectCount)
-        return {};
-    const std::uint64_t offset = readInteger(_offsets + std::size_t(object) * _offsetWidth, _offsetWidth);
-    if (offset < HeaderSize || offset >= _contentEnd)
-        return {};
     const unsigned char* bytes = _begin + offset;
     const unsigned marker = *bytes++;
     const unsigned low = marker & 0xf;

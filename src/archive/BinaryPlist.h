@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QtEndian>
 
 #include <cstdint>
 #include <optional>
@@ -71,7 +72,24 @@ public:
     [[nodiscard]] qsizetype fileSize() const { return _bytes.size(); }
 
     /// An invalid item for a number out of range and for an object that does not lie within the file.
-    [[nodiscard]] PlistItem item(std::uint32_t object) const;
+    [[nodiscard]] PlistItem item(std::uint32_t object) const
+    {
+        const std::uint64_t offset = offsetOf(object);
+        return offset == 0 ? PlistItem{} : itemAt(offset);
+    }
+    /// Follows an object that is a UID. NoObject, and `isUid` false, for any other; NoObject for one that counts
+    /// beyond everything.
+    [[nodiscard]] std::uint32_t uidIn(std::uint32_t object, bool& isUid) const
+    {
+        const std::uint64_t offset = offsetOf(object);
+        const unsigned char* bytes = _begin + offset;
+        isUid = offset != 0 && (*bytes & 0xf0) == 0x80;
+        const unsigned width = (*bytes & 0xf) + 1U;
+        if (!isUid || width > 8 || width >= _contentEnd - offset)
+            return NoObject;
+        const std::uint64_t number = readInteger(bytes + 1, width);
+        return number < NoObject ? static_cast<std::uint32_t>(number) : NoObject;
+    }
     /// The number of the object an array or a set has at an index below its count.
     [[nodiscard]] std::uint32_t element(const PlistItem& container, std::uint64_t index) const
     {
@@ -92,7 +110,33 @@ public:
 
 private:
     BinaryPlist() = default;
-    static std::uint64_t readInteger(const unsigned char* bytes, unsigned width);
+    static std::uint64_t readInteger(const unsigned char* bytes, unsigned width)
+    {
+        switch (width) {
+        case 1:
+            return bytes[0];
+        case 2:
+            return qFromBigEndian<quint16>(bytes);
+        case 4:
+            return qFromBigEndian<quint32>(bytes);
+        case 8:
+            return qFromBigEndian<quint64>(bytes);
+        default:
+            return readOddInteger(bytes, width);
+        }
+    }
+    static std::uint64_t readOddInteger(const unsigned char* bytes, unsigned width);
+    /// Where an object lies; 0 when that is outside of the file's content.
+    [[nodiscard]] std::uint64_t offsetOf(std::uint32_t object) const
+    {
+        if (object >= _objectCount)
+            return 0;
+        const std::uint64_t offset = readInteger(_offsets + std::size_t(object) * _offsetWidth, _offsetWidth);
+        return offset >= HeaderSize && offset < _contentEnd ? offset : 0;
+    }
+    [[nodiscard]] PlistItem itemAt(std::uint64_t offset) const;
+
+    static constexpr std::uint64_t HeaderSize = 8;
     [[nodiscard]] std::uint32_t reference(const unsigned char* bytes) const
     {
         const std::uint64_t number = readInteger(bytes, _referenceWidth);

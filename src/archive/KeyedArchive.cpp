@@ -48,18 +48,16 @@ QString KeyedArchive::locate()
 
 std::uint32_t KeyedArchive::resolve(std::uint32_t slot, PlistItem& item) const
 {
-    item = _plist.item(slot);
-    if (item.type != PlistItem::Type::Uid)
-        return item.isValid() ? slot : NoObject;
-    const std::uint32_t uid = BinaryPlist::uid(item);
-    const std::uint32_t object = objectOf(uid);
+    bool isUid = false;
+    const std::uint32_t uid = _plist.uidIn(slot, isUid);
+    const std::uint32_t object = isUid ? objectOf(uid) : slot;
     item = _plist.item(object);
     // An archived object that is itself a reference leads nowhere.
     if (item.type == PlistItem::Type::Uid)
         item = {};
     if (!item.isValid())
         return NoObject;
-    if (uid == 0)
+    if (isUid && uid == 0)
         item = {PlistItem::Type::Null, 0, item.bytes, 0};
     return object;
 }

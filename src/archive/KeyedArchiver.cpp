@@ -32,7 +32,8 @@ bool isAsciiInWideForm(const StoredText& text)
 
 } // namespace
 
-KeyedArchiver::KeyedArchiver(ByteSink& sink, std::uint64_t expectedObjects) : _plist(sink, expectedObjects)
+KeyedArchiver::KeyedArchiver(ByteSink& sink, std::uint64_t expectedObjects, std::size_t expectedTexts)
+    : _plist(sink, expectedObjects), _texts(expectedTexts)
 {
     _objects.push_back(_plist.text(kept(u"$null")));
     _null = _plist.uid(0);
@@ -64,13 +65,16 @@ KeyedArchiver::Slot KeyedArchiver::archived(PlistWriter::Object content)
     return _plist.uid(uid);
 }
 
-KeyedArchiver::Slot KeyedArchiver::text(const StoredText& text)
+TextTable::Numbers& KeyedArchiver::numbersOf(const StoredText& text, TextKey key)
 {
-    const StoredText canonical = isAsciiInWideForm(text) ? kept(text.toString()) : text;
-    std::uint32_t& slot = _texts.numberOf(canonical);
-    if (slot == 0)
-        slot = archived(_plist.text(canonical));
-    return slot;
+    if (isAsciiInWideForm(text)) {
+        const StoredText narrow = kept(text.toString());
+        return numbersOf(narrow, prepare(narrow));
+    }
+    TextTable::Numbers& numbers = _texts.numbersOf(text, key);
+    if (numbers.text == 0)
+        numbers.text = archived(_plist.text(text));
+    return numbers;
 }
 
 KeyedArchiver::Slot KeyedArchiver::text(QStringView text)
@@ -121,16 +125,20 @@ KeyedArchiver::Slot KeyedArchiver::date(double secondsSinceReference)
     return slot;
 }
 
-KeyedArchiver::Slot KeyedArchiver::url(const StoredText& absolute)
+void KeyedArchiver::prepareDate(double secondsSinceReference) const
 {
-    const Slot text = this->text(absolute);
-    std::uint32_t& slot = _urls.numberOf(text);
-    if (slot == 0) {
+    _dates.prefetch(std::bit_cast<std::uint64_t>(secondsSinceReference));
+}
+
+KeyedArchiver::Slot KeyedArchiver::url(const StoredText& absolute, TextKey key)
+{
+    TextTable::Numbers& numbers = numbersOf(absolute, key);
+    if (numbers.url == 0) {
         const std::array keys = {_classKey, _baseKey, _relativeKey};
-        const std::array values = {classSlot(ArchiveClasses::Url), _null, text};
-        slot = archived(_plist.dictionary(keys, values));
+        const std::array values = {classSlot(ArchiveClasses::Url), _null, numbers.text};
+        numbers.url = archived(_plist.dictionary(keys, values));
     }
-    return slot;
+    return numbers.url;
 }
 
 KeyedArchiver::Slot KeyedArchiver::data(const QByteArray& bytes)

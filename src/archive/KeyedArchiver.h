@@ -36,7 +36,8 @@ public:
     /// `expectedObjects` settles how wide references are and must not be less than what comes: ObjectsPerArchive,
     /// ObjectsPerValue for every value, list, dictionary and object added, and twice the object count of every
     /// archive that opaque values come from. When more comes, finish fails.
-    explicit KeyedArchiver(ByteSink& sink, std::uint64_t expectedObjects);
+    /// `expectedTexts` is a guess at the number of different texts and only saves time.
+    explicit KeyedArchiver(ByteSink& sink, std::uint64_t expectedObjects, std::size_t expectedTexts = 0);
     KeyedArchiver(const KeyedArchiver&) = delete;
     KeyedArchiver& operator=(const KeyedArchiver&) = delete;
 
@@ -45,7 +46,7 @@ public:
 
     // --- Values -------------------------------------------------------------------------------------------------
     [[nodiscard]] Slot null() const { return _null; }
-    [[nodiscard]] Slot text(const StoredText& text);
+    [[nodiscard]] Slot text(const StoredText& text) { return this->text(text, prepare(text)); }
     [[nodiscard]] Slot text(QStringView text);
     [[nodiscard]] Slot integer(std::int64_t value);
     [[nodiscard]] Slot real(double value);
@@ -54,12 +55,19 @@ public:
     [[nodiscard]] Slot nativeBoolean(bool value);
     [[nodiscard]] Slot date(double secondsSinceReference);
     /// An address without a base.
-    [[nodiscard]] Slot url(const StoredText& absolute);
+    [[nodiscard]] Slot url(const StoredText& absolute) { return url(absolute, prepare(absolute)); }
     [[nodiscard]] Slot data(const QByteArray& bytes);
     /// Copies a value of another archive with everything below it. What was copied before is referred to.
     [[nodiscard]] Slot opaque(const OpaqueObject& value);
     /// From now on, references of copied values to this object of another archive lead to the slot.
     void alias(const OpaqueObject& reference, Slot slot);
+
+    // The same for values that were announced a moment before, which is faster when there are very many.
+    using TextKey = TextTable::Key;
+    [[nodiscard]] TextKey prepare(const StoredText& text) const { return _texts.keyOf(text); }
+    void prepareDate(double secondsSinceReference) const;
+    [[nodiscard]] Slot text(const StoredText& text, TextKey key) { return numbersOf(text, key).text; }
+    [[nodiscard]] Slot url(const StoredText& absolute, TextKey key);
 
     // --- Collections and objects --------------------------------------------------------------------------------
     [[nodiscard]] Slot list(std::span<const Slot> elements);
@@ -108,6 +116,8 @@ private:
     };
 
     [[nodiscard]] Slot name(QStringView text);
+    /// The text's slot is filled in.
+    [[nodiscard]] TextTable::Numbers& numbersOf(const StoredText& text, TextKey key);
     /// Makes an archived object of what was just written.
     [[nodiscard]] Slot archived(PlistWriter::Object content);
     [[nodiscard]] Slot classSlot(const ArchiveClass& type);
@@ -130,7 +140,7 @@ private:
     std::unordered_map<Slot, PlistWriter::Object> _reserved; ///< Slots whose content is still to come.
     TextTable _texts;
     QHash<QString, Slot> _names;
-    NumberTable _integers, _reals, _dates, _urls;
+    NumberTable _integers, _reals, _dates;
     std::deque<StoredText> _kept; ///< Texts that nobody else keeps.
     std::unordered_map<const ArchiveClass*, Slot> _classes;
     std::deque<Source> _sources;

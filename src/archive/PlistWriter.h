@@ -70,7 +70,7 @@ private:
     char* room(std::size_t size);
     void flush();
 
-    static constexpr std::size_t BufferSize = std::size_t(256) << 10;
+    static constexpr std::size_t BufferSize = std::size_t(512) << 10;
     static constexpr Object None = 0xffffffff;
     /// Offsets come in blocks, since a growing array would for a moment exist twice.
     static constexpr std::size_t BlockSize = std::size_t(1) << 16;

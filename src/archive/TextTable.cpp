@@ -2,7 +2,9 @@
 
 #include <QHash>
 
+#include <bit>
 #include <cstring>
+#include <new>
 #include <random>
 
 namespace quarry {
@@ -27,51 +29,68 @@ bool isFull(std::size_t used, std::size_t size)
 
 } // namespace
 
-TextTable::TextTable() : _slots(FirstSize, Entry{nullptr, 0, 0, 0}) {}
+TextTable::TextTable(std::size_t expectedTexts) : _slots(std::bit_ceil(std::max(FirstSize, expectedTexts / 3 * 4 + 1)))
+{
+}
 
-std::uint32_t& TextTable::numberOf(const StoredText& text)
+TextTable::Key TextTable::keyOf(const StoredText& text) const
+{
+    const std::string_view bytes = text.bytes();
+    const std::size_t hash = qHashBits(bytes.data(), bytes.size(), processSeed());
+    const std::uint32_t isWide = text.encoding() == StoredText::Encoding::Utf16BigEndian ? 1 : 0;
+    const Key key{static_cast<std::uint32_t>(hash & 0xfffffffe) | isWide};
+    __builtin_prefetch(&_slots[key.tag >> 1 & (_slots.size() - 1)]);
+    return key;
+}
+
+TextTable::Numbers& TextTable::numbersOf(const StoredText& text, Key key)
 {
     if (isFull(_used, _slots.size()))
         grow();
     const std::string_view bytes = text.bytes();
-    const std::size_t hash = qHashBits(bytes.data(), bytes.size(), processSeed());
     const auto size = static_cast<std::uint32_t>(bytes.size());
-    const std::uint32_t isWide = text.encoding() == StoredText::Encoding::Utf16BigEndian ? 1 : 0;
-    const auto tag = static_cast<std::uint32_t>(hash & 0xfffffffe) | isWide;
     const std::size_t mask = _slots.size() - 1;
-    for (std::size_t place = tag >> 1 & mask;; place = (place + 1) & mask) {
+    for (std::size_t place = key.tag >> 1 & mask;; place = (place + 1) & mask) {
         Entry& entry = _slots[place];
-        if (entry.number == 0) {
-            entry = {bytes.data(), size, tag, 0};
+        if (entry.numbers.text == 0) {
+            entry = {bytes.data(), size, key.tag, {}};
             ++_used;
-            return entry.number;
+            return entry.numbers;
         }
-        if (entry.tag == tag && entry.size == size && std::memcmp(entry.bytes, bytes.data(), size) == 0)
-            return entry.number;
+        if (entry.tag == key.tag && entry.size == size && std::memcmp(entry.bytes, bytes.data(), size) == 0)
+            return entry.numbers;
     }
 }
 
 void TextTable::grow()
 {
-    std::vector<Entry> old(_slots.size() * 2, Entry{nullptr, 0, 0, 0});
-    old.swap(_slots);
-    const std::size_t mask = _slots.size() - 1;
-    for (const Entry& entry : old) {
-        if (entry.number == 0)
+    ZeroedSlots<Entry> larger(_slots.size() * 2);
+    const std::size_t mask = larger.size() - 1;
+    for (const Entry& entry : _slots) {
+        if (entry.numbers.text == 0)
             continue;
         std::size_t place = entry.tag >> 1 & mask;
-        while (_slots[place].number != 0)
+        while (larger[place].numbers.text != 0)
             place = (place + 1) & mask;
-        _slots[place] = entry;
+        larger[place] = entry;
     }
+    _slots = std::move(larger);
 }
 
-NumberTable::NumberTable() : _slots(FirstSize, Entry{0, 0}) {}
+NumberTable::NumberTable() : _slots(FirstSize) {}
+
+std::size_t NumberTable::firstPlaceOf(std::uint64_t key) const
+{
+    std::uint64_t mixed = key ^ processSeed();
+    mixed = (mixed ^ mixed >> 33) * 0xff51afd7ed558ccdU;
+    mixed = (mixed ^ mixed >> 33) * 0xc4ceb9fe1a85ec53U;
+    return static_cast<std::size_t>(mixed ^ mixed >> 33) & (_slots.size() - 1);
+}
 
 std::size_t NumberTable::placeOf(std::uint64_t key) const
 {
     const std::size_t mask = _slots.size() - 1;
-    std::size_t place = qHash(quint64(key) * 0x9e3779b97f4a7c15U, processSeed()) & mask;
+    std::size_t place = firstPlaceOf(key);
     while (_slots[place].number != 0 && _slots[place].key != key)
         place = (place + 1) & mask;
     return place;
@@ -91,8 +110,8 @@ std::uint32_t& NumberTable::numberOf(std::uint64_t key)
 
 void NumberTable::grow()
 {
-    std::vector<Entry> old(_slots.size() * 2, Entry{0, 0});
-    old.swap(_slots);
+    ZeroedSlots<Entry> old(_slots.size() * 2);
+    std::swap(old, _slots);
     for (const Entry& entry : old) {
         if (entry.number != 0)
             _slots[placeOf(entry.key)] = entry;

@@ -3,32 +3,66 @@
 #include "archive/StoredText.h"
 
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
-#include <vector>
 
 namespace quarry {
 
-/// Finds equal texts: from a text to a number given with it. The texts themselves stay where they are and must
+/// Memory for the slots of a table, all bytes zero, of which the untouched part costs nothing.
+template <typename Entry>
+class ZeroedSlots final {
+public:
+    explicit ZeroedSlots(std::size_t count)
+        : _count(count), _slots(static_cast<Entry*>(std::calloc(count, sizeof(Entry))))
+    {
+        if (!_slots)
+            throw std::bad_alloc();
+    }
+    [[nodiscard]] std::size_t size() const { return _count; }
+    Entry& operator[](std::size_t index) { return _slots.get()[index]; }
+    const Entry& operator[](std::size_t index) const { return _slots.get()[index]; }
+    [[nodiscard]] const Entry* begin() const { return _slots.get(); }
+    [[nodiscard]] const Entry* end() const { return _slots.get() + _count; }
+
+private:
+    struct Free {
+        void operator()(Entry* slots) const { std::free(slots); }
+    };
+    std::size_t _count;
+    std::unique_ptr<Entry, Free> _slots;
+};
+
+/// Finds equal texts: from a text to the numbers given with it. The texts themselves stay where they are and must
 /// outlive the table. Texts are compared in full, and hashed with a seed of the process, so that a page cannot be
 /// written to make it slow.
 class TextTable final {
 public:
-    TextTable();
+    /// Of a text whose place is already on its way into the processor's cache: looking many texts up is a matter of
+    /// waiting for memory, and less so when the next ones are named early.
+    struct Key {
+        std::uint32_t tag = 0;
+    };
+    struct Numbers {
+        std::uint32_t text = 0; ///< 0 when the text is new; the caller then fills it in (not 0).
+        std::uint32_t url = 0;  ///< For the caller to fill in or not.
+    };
 
-    /// The place for the text's number: 0 when the text is new; the caller then fills it in (not 0). Valid until the
-    /// next call.
-    [[nodiscard]] std::uint32_t& numberOf(const StoredText& text);
+    explicit TextTable(std::size_t expectedTexts);
+
+    [[nodiscard]] Key keyOf(const StoredText& text) const;
+    /// Valid until the next call.
+    [[nodiscard]] Numbers& numbersOf(const StoredText& text, Key key);
 
 private:
     struct Entry {
         const char* bytes;
         std::uint32_t size;
         std::uint32_t tag; ///< Of the hash; the lowest bit tells the encodings apart.
-        std::uint32_t number;
+        Numbers numbers;
     };
     void grow();
 
-    std::vector<Entry> _slots;
+    ZeroedSlots<Entry> _slots;
     std::size_t _used = 0;
 };
 
@@ -36,6 +70,7 @@ private:
 class NumberTable final {
 public:
     NumberTable();
+    void prefetch(std::uint64_t key) const { __builtin_prefetch(&_slots[firstPlaceOf(key)]); }
     [[nodiscard]] std::uint32_t& numberOf(std::uint64_t key);
 
 private:
@@ -44,9 +79,10 @@ private:
         std::uint32_t number;
     };
     void grow();
+    [[nodiscard]] std::size_t firstPlaceOf(std::uint64_t key) const;
     [[nodiscard]] std::size_t placeOf(std::uint64_t key) const;
 
-    std::vector<Entry> _slots;
+    ZeroedSlots<Entry> _slots;
     std::size_t _used = 0;
 };
 

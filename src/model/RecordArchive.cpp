@@ -212,25 +212,43 @@ KeyedArchiver::Slot RecordWriter::writeList(const ResultList& records)
 {
     std::vector<Slot> slots;
     slots.reserve(static_cast<std::size_t>(records.size()));
-    for (const ResultRecord& record : records)
-        slots.push_back(write(record.data()));
+    TextKeys next{};
+    if (!records.isEmpty())
+        next = prepare(records.front().data());
+    for (qsizetype i = 0; i < records.size(); ++i) {
+        const TextKeys texts = next;
+        if (i + 1 < records.size())
+            next = prepare(records.at(i + 1).data());
+        slots.push_back(write(records.at(i).data(), texts));
+    }
     return _archiver.list(slots);
 }
 
-KeyedArchiver::Slot RecordWriter::write(const RecordData& data)
+RecordWriter::TextKeys RecordWriter::prepare(const RecordData& data) const
+{
+    TextKeys texts{};
+    for (std::size_t i = 0; i < RecordTextCount; ++i) {
+        if (data.has(keyAt(i)))
+            texts[i] = _archiver.prepare(data.texts[i]);
+    }
+    _archiver.prepareDate(data.date);
+    return texts;
+}
+
+KeyedArchiver::Slot RecordWriter::write(const RecordData& data, const TextKeys& texts)
 {
     if (data.extras)
-        return writeWithExtras(data);
+        return writeWithExtras(data, texts);
     std::array<Slot, RecordKeyCount> values{};
     std::size_t count = 0;
     for (std::size_t i = 0; i < RecordKeyCount; ++i) {
         if (data.has(keyAt(i)))
-            values[count++] = writeValue(data, keyAt(i));
+            values[count++] = writeValue(data, keyAt(i), texts);
     }
     return _archiver.dictionaryWithKeyList(keyList(data.present), std::span(values).first(count));
 }
 
-KeyedArchiver::Slot RecordWriter::writeWithExtras(const RecordData& data)
+KeyedArchiver::Slot RecordWriter::writeWithExtras(const RecordData& data, const TextKeys& texts)
 {
     if (data.extras->whole)
         return _archiver.opaque(*data.extras->whole);
@@ -239,7 +257,7 @@ KeyedArchiver::Slot RecordWriter::writeWithExtras(const RecordData& data)
     for (std::size_t i = 0; i < RecordKeyCount; ++i) {
         if (data.has(keyAt(i)) && !data.isKept(keyAt(i))) {
             keys.push_back(_archiver.text(QStringView(recordKeyName(keyAt(i)))));
-            values.push_back(writeValue(data, keyAt(i)));
+            values.push_back(writeValue(data, keyAt(i), texts));
         }
     }
     for (const OpaqueEntry& entry : data.extras->entries) {
@@ -254,11 +272,11 @@ KeyedArchiver::Slot RecordWriter::keySlot(const OpaqueEntry& entry)
     return entry.keyObject ? _archiver.opaque(*entry.keyObject) : _archiver.text(QStringView(entry.key));
 }
 
-KeyedArchiver::Slot RecordWriter::writeValue(const RecordData& data, RecordKey key)
+KeyedArchiver::Slot RecordWriter::writeValue(const RecordData& data, RecordKey key, const TextKeys& texts)
 {
     switch (key) {
     case RecordKey::Url:
-        return _archiver.url(data.text(key));
+        return _archiver.url(data.text(key), texts[static_cast<std::size_t>(key)]);
     case RecordKey::UserSaw:
     case RecordKey::Visible:
     case RecordKey::NewSincePrevious:
@@ -270,7 +288,7 @@ KeyedArchiver::Slot RecordWriter::writeValue(const RecordData& data, RecordKey k
     case RecordKey::Rating:
         return _archiver.integer(data.rating);
     default:
-        return _archiver.text(data.text(key));
+        return _archiver.text(data.text(key), texts[static_cast<std::size_t>(key)]);
     }
 }
 

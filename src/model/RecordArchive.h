@@ -8,7 +8,6 @@
 
 #include <array>
 #include <cstdint>
-#include <unordered_map>
 #include <vector>
 
 namespace quarry {
@@ -60,14 +59,17 @@ public:
 
 private:
     using Slot = KeyedArchiver::Slot;
-    [[nodiscard]] Slot write(const RecordData& data);
-    [[nodiscard]] Slot writeWithExtras(const RecordData& data);
-    [[nodiscard]] Slot writeValue(const RecordData& data, RecordKey key);
+    using TextKeys = std::array<KeyedArchiver::TextKey, RecordTextCount>;
+    /// Announces the record's values: it is written next but one.
+    [[nodiscard]] TextKeys prepare(const RecordData& data) const;
+    [[nodiscard]] Slot write(const RecordData& data, const TextKeys& texts);
+    [[nodiscard]] Slot writeWithExtras(const RecordData& data, const TextKeys& texts);
+    [[nodiscard]] Slot writeValue(const RecordData& data, RecordKey key, const TextKeys& texts);
     [[nodiscard]] Slot keyList(RecordData::Mask keys);
     [[nodiscard]] Slot keySlot(const OpaqueEntry& entry);
 
     KeyedArchiver& _archiver;
-    std::unordered_map<RecordData::Mask, Slot> _keyLists;
+    std::vector<Slot> _keyLists = std::vector<Slot>(std::size_t(1) << RecordKeyCount); ///< By the keys that are there.
 };
 
 } // namespace quarry

@@ -71,6 +71,9 @@ public:
         return objects;
     }
 
+    /// Title, address, text, identity and digest differ from record to record; the rest repeats.
+    [[nodiscard]] std::size_t expectedTexts() const { return static_cast<std::size_t>(_records) * 4; }
+
 private:
     void count(const QueryCore::Snapshot& state)
     {
@@ -89,6 +92,7 @@ private:
 
     void count(const std::optional<ResultList>& list)
     {
+        _records += std::uint64_t(countOf(list));
         _values += std::uint64_t(countOf(list)) * RecordWriter::ValuesPerRecord;
         // Beyond this, references take four bytes whatever the rest comes to.
         constexpr std::uint64_t Settled = 0x10000;
@@ -116,15 +120,13 @@ private:
     }
 
     std::uint64_t _values = 0;
+    std::uint64_t _records = 0;
     std::unordered_set<const KeyedArchive*> _sources;
 };
 
 class TreeWriter final {
 public:
-    TreeWriter(const std::vector<NodeSnapshot>& nodes, ByteSink& sink)
-        : _nodes(nodes), _archiver(sink, Census(nodes).expectedObjects()), _records(_archiver)
-    {
-    }
+    TreeWriter(const std::vector<NodeSnapshot>& nodes, ByteSink& sink) : TreeWriter(nodes, Census(nodes), sink) {}
 
     bool write()
     {
@@ -143,6 +145,11 @@ public:
     }
 
 private:
+    TreeWriter(const std::vector<NodeSnapshot>& nodes, const Census& census, ByteSink& sink)
+        : _nodes(nodes), _archiver(sink, census.expectedObjects(), census.expectedTexts()), _records(_archiver)
+    {
+    }
+
     void writeNode(const NodeSnapshot& node)
     {
         const QueryFields& fields = node.state.fields;
