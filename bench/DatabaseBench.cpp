@@ -16,7 +16,9 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <iostream>
+#include <map>
+#include <string>
+#include <vector>
 
 namespace quarry::bench {
 
@@ -138,17 +140,26 @@ public:
 
     bool make() { return start("make").exitCode == 0; }
 
-    /// The median of the runs, by seconds; none when one failed.
-    std::optional<Sample> median(const char* role)
+    /// Measures each role in turn, and again, so that whatever else the machine does falls on all of them. False when
+    /// one failed.
+    bool run(const std::vector<const char*>& roles)
     {
-        std::vector<Sample> samples;
         for (int i = 0; i < _options.runs; ++i) {
-            const Outcome outcome = start(role);
-            const QList<QByteArray> words = outcome.output.trimmed().split(' ');
-            if (outcome.exitCode != 0 || words.size() != 2)
-                return std::nullopt;
-            samples.push_back({words[0].toDouble(), words[1].toDouble()});
+            for (const char* role : roles) {
+                const Outcome outcome = start(role);
+                const QList<QByteArray> words = outcome.output.trimmed().split(' ');
+                if (outcome.exitCode != 0 || words.size() != 2)
+                    return false;
+                _samples[role].push_back({words[0].toDouble(), words[1].toDouble()});
+            }
         }
+        return true;
+    }
+
+    /// Of the runs, by seconds.
+    Sample median(const char* role)
+    {
+        std::vector<Sample>& samples = _samples[role];
         std::sort(samples.begin(), samples.end(),
                   [](const Sample& a, const Sample& b) { return a.seconds < b.seconds; });
         return samples[samples.size() / 2];
@@ -175,6 +186,7 @@ private:
 
     Options _options;
     QString _folder;
+    std::map<std::string, std::vector<Sample>> _samples;
 };
 
 int report(const Options& options)
@@ -185,11 +197,7 @@ int report(const Options& options)
         std::fprintf(stderr, "bench_database: the databases could not be made, or do not hold the same\n");
         return 1;
     }
-    const auto read = measure.median("read-sqlite");
-    const auto load = measure.median("load");
-    const auto saveSqlite = measure.median("save-sqlite");
-    const auto save = measure.median("save");
-    if (!read || !load || !saveSqlite || !save) {
+    if (!measure.run({"read-sqlite", "load", "save-sqlite", "save"})) {
         std::fprintf(stderr, "bench_database: a measurement failed\n");
         return 1;
     }
@@ -201,8 +209,8 @@ int report(const Options& options)
         std::printf("%-5s %7.3f s   SQLite %7.3f s   ratio %5.2f   peak %7.1f MB = %.2f files\n", what, ours.seconds,
                     theirs.seconds, ours.seconds / theirs.seconds, ours.peakMegabytes, ours.peakMegabytes / file);
     };
-    line("load", *load, *read);
-    line("save", *save, *saveSqlite);
+    line("load", measure.median("load"), measure.median("read-sqlite"));
+    line("save", measure.median("save"), measure.median("save-sqlite"));
     return 0;
 }
 

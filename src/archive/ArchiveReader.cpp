@@ -103,10 +103,11 @@ const ArchiveReader::Shape* ArchiveReader::shapeOf(const PlistItem& dictionary)
     const std::size_t size = dictionary.count * plist().referenceWidth();
     if (dictionary.count == 0 || size > sizeof(Shape::keys))
         return nullptr;
+    // The names' numbers are low and close together: most of what differs is in the last bytes.
     std::uint32_t hash = static_cast<std::uint32_t>(size);
     for (std::size_t i = 0; i < size; ++i)
-        hash = hash * 31 + dictionary.bytes[i];
-    Shape& shape = _shapes[hash % _shapes.size()];
+        hash = (hash ^ dictionary.bytes[i]) * 0x01000193U;
+    Shape& shape = _shapes[(hash ^ hash >> 16) % _shapes.size()];
     if (shape.count == dictionary.count && std::memcmp(shape.keys.data(), dictionary.bytes, size) == 0)
         return &shape;
     shape.count = dictionary.count;

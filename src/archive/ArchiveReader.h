@@ -134,7 +134,6 @@ private:
     static constexpr std::uint8_t Absent = 0xff;
     /// Where the names stand in a dictionary; objects of one class look alike.
     struct Shape {
-        std::uint32_t hash = 0;
         std::uint64_t count = 0; ///< 0: not used yet.
         std::array<unsigned char, 32> keys{};
         std::array<std::uint8_t, NameCount> place{};
@@ -155,7 +154,7 @@ private:
 
     std::shared_ptr<const KeyedArchive> _archive;
     QString _reason;
-    std::array<Shape, 16> _shapes;
+    std::array<Shape, 64> _shapes;
     std::array<KnownClass, 16> _classes;
     std::uint64_t _budget;
 };

@@ -4,7 +4,6 @@
 
 #include <bit>
 #include <cstring>
-#include <new>
 #include <random>
 
 namespace quarry {

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "archive/StoredText.h"
+#include "platform/LargePages.h"
 
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <new>
 
 namespace quarry {
 
@@ -17,6 +19,7 @@ public:
     {
         if (!_slots)
             throw std::bad_alloc();
+        preferLargePages(_slots.get(), count * sizeof(Entry));
     }
     [[nodiscard]] std::size_t size() const { return _count; }
     Entry& operator[](std::size_t index) { return _slots.get()[index]; }
