@@ -22,7 +22,7 @@ unsigned widthFor(std::uint64_t greatest)
 } // namespace
 
 PlistWriter::PlistWriter(ByteSink& sink, std::uint64_t expectedObjects)
-    : _sink(sink), _referenceWidth(widthFor(expectedObjects)), _buffer(std::make_unique<char[]>(BufferSize))
+    : _sink(sink), _referenceWidth(widthFor(expectedObjects)), _buffer(std::make_unique_for_overwrite<char[]>(BufferSize))
 {
     put("bplist00", 8);
 }
@@ -30,7 +30,7 @@ PlistWriter::PlistWriter(ByteSink& sink, std::uint64_t expectedObjects)
 PlistWriter::Object PlistWriter::reserve()
 {
     if (_count % BlockSize == 0)
-        _offsets.push_back(std::make_unique<std::uint64_t[]>(BlockSize));
+        _offsets.push_back(std::make_unique_for_overwrite<std::uint64_t[]>(BlockSize));
     // More objects than references can name: the caller promised fewer.
     if (_count >= (std::uint64_t(1) << (8 * std::min(_referenceWidth, 4U))) - 1)
         _failed = true;

@@ -73,7 +73,7 @@ private:
     static constexpr std::size_t BufferSize = std::size_t(512) << 10;
     static constexpr Object None = 0xffffffff;
     /// Offsets come in blocks, since a growing array would for a moment exist twice.
-    static constexpr std::size_t BlockSize = std::size_t(1) << 16;
+    static constexpr std::size_t BlockSize = std::size_t(1) << 13;
     using OffsetBlock = std::unique_ptr<std::uint64_t[]>;
 
     ByteSink& _sink;

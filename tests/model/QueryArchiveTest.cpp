@@ -2,6 +2,7 @@
 
 #include "archive/PlistWriter.h"
 #include "support/ArchiveJson.h"
+#include "support/ArchiveVariants.h"
 
 #include <gtest/gtest.h>
 
@@ -50,6 +51,244 @@ TEST(QueryArchive, NothingOfAnotherWritersFileIsLostInASave)
         first.root.reset();
         EXPECT_EQ(difference(ArchiveJson::of(saved(second.root)), expectedAfterSave()), QString());
     }
+}
+
+TEST(QueryArchive, EverySpellingOfTheBinaryFormReadsTheSame)
+{
+    const test::Spelling spellings[] = {
+        {.offsetWidth = 4, .referenceWidth = 4},
+        {.offsetWidth = 3, .referenceWidth = 3, .order = 7},
+        {.offsetWidth = 8, .referenceWidth = 8, .integerWidth = 8, .uidWidth = 8, .longCounts = true},
+        {.offsetWidth = 7, .referenceWidth = 5, .integerWidth = 4, .uidWidth = 3, .order = 11},
+        {.integerWidth = 16, .uidWidth = 2, .wideTexts = true, .order = 23},
+    };
+    for (const char* name : {"db.qsdata", "db_apple.qsdata"}) {
+        for (const test::Spelling& spelling : spellings) {
+            const QByteArray bytes = test::Respelled::of(goldenFile(name), spelling);
+            const LoadedTree tree = loadTree(bytes);
+            ASSERT_TRUE(tree.root) << tree.reason.toStdString();
+            EXPECT_EQ(difference(ArchiveJson::of(saved(tree.root)), expectedAfterSave()), QString());
+        }
+    }
+}
+
+/// A tree in the XML form: a root with one query, which has what the placeholder stands for.
+QByteArray xmlTree(const QByteArray& entries, const QByteArray& objects)
+{
+    const auto uid = [](int number) {
+        return "<dict><key>CF$UID</key><integer>" + QByteArray::number(number) + "</integer></dict>";
+    };
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
+           "<key>$archiver</key><string>NSKeyedArchiver</string><key>$version</key><integer>100000</integer>"
+           "<key>$top</key><dict><key>tree</key>" +
+           uid(1) +
+           "</dict><key>$objects</key><array>"
+           "<string>$null</string>"
+           "<dict><key>$class</key>" +
+           uid(3) + "<key>queryChildsKey</key><array>" + uid(2) +
+           "</array>"
+           "<key>queryIsGroupKey</key><true/></dict>"
+           "<dict><key>$class</key>" +
+           uid(3) + entries +
+           "</dict>"
+           "<dict><key>$classname</key><string>QueryCore</string></dict>"
+           "<dict><key>$classname</key><string>NSMutableString</string></dict>"
+           "<dict><key>$classname</key><string>NSDictionary</string></dict>"
+           "<dict><key>$classname</key><string>NSURL</string></dict>"
+           "<dict><key>$classname</key><string>NSDate</string></dict>"
+           "<dict><key>$classname</key><string>NSNumber</string></dict>"
+           "<dict><key>$classname</key><string>NSArray</string></dict>" +
+           objects + "</array></dict></plist>";
+}
+
+QByteArray reference(int uid)
+{
+    return "<dict><key>CF$UID</key><integer>" + QByteArray::number(uid) + "</integer></dict>";
+}
+
+QueryCorePtr onlyChild(const LoadedTree& tree)
+{
+    return tree.root && tree.root->childs() ? tree.root->childs()->value(0) : nullptr;
+}
+
+TEST(QueryArchive, BoxedOldAndInPlaceFormsAreRead)
+{
+    const QByteArray objects =
+        // 10: a text in UTF-8 bytes, 11: a boxed text, 12: a record in the older spelling
+        "<dict><key>$class</key>" + reference(4) +
+        "<key>NS.bytes</key><data>5pel5pys</data></dict>"
+        "<dict><key>$class</key>" +
+        reference(4) +
+        "<key>NS.string</key><string>boxed</string></dict>"
+        "<dict><key>$class</key>" +
+        reference(5) + "<key>NS.key.0</key><string>title Result Key</string><key>NS.object.0</key>" + reference(10) +
+        "<key>NS.key.1</key><string>link rank key</string><key>NS.object.1</key><real>7</real>"
+        "<key>NS.key.2</key><string>User saw this link key</string><key>NS.object.2</key><integer>1</integer>"
+        "<key>NS.key.3</key><string>dateoffindKey</string><key>NS.object.3</key>" +
+        reference(13) + "<key>NS.key.4</key><string>URL Result Key</string><key>NS.object.4</key>" + reference(14) +
+        "<key>NS.key.5</key><string>item rating key</string><key>NS.object.5</key>" + reference(16) +
+        "</dict>"
+        "<dict><key>$class</key>" +
+        reference(7) +
+        "<key>NS.time</key><integer>-5</integer></dict>"
+        "<dict><key>$class</key>" +
+        reference(6) + "<key>NS.base</key>" + reference(15) +
+        "<key>NS.relative</key><string>../b?c</string></dict>"
+        "<dict><key>$class</key>" +
+        reference(6) + "<key>NS.base</key>" + reference(0) +
+        "<key>NS.relative</key><string>http://example.org/x/y</string></dict>"
+        "<dict><key>$class</key>" +
+        reference(8) + "<key>NS.intval</key><integer>3</integer></dict>";
+    const QByteArray entries = "<key>queryStringKey</key>" + reference(11) +
+                               "<key>queryHighlighStateKey</key><integer>1</integer>"
+                               "<key>updateKey</key><date>2014-01-25T10:00:00Z</date>"
+                               "<key>resultKey</key><dict><key>$class</key>" +
+                               reference(9) + "<key>NS.object.0</key>" + reference(12) +
+                               "</dict><key>combinedQueryListKey</key><array><string>a</string>" + reference(11) +
+                               "</array>"
+                               "<key>excludedDomainsKey</key><dict><key>host.example</key><true/></dict>";
+    const LoadedTree tree = loadTree(xmlTree(entries, objects));
+    const QueryCorePtr query = onlyChild(tree);
+    ASSERT_TRUE(query) << tree.reason.toStdString();
+
+    EXPECT_EQ(query->query(), QStringLiteral("boxed"));
+    EXPECT_EQ(query->parent(), tree.root) << "the folder that holds it, where the entry is missing";
+    EXPECT_EQ(query->combinedQueries(), QStringList({QStringLiteral("a"), QStringLiteral("boxed")}));
+    EXPECT_EQ(query->date(), Date(412336800.0));
+    EXPECT_TRUE(query->isHighlightActive());
+    EXPECT_EQ(query->excludedHosts(), QStringList(QStringLiteral("host.example")));
+    const ResultRecord record = query->results().value_or(ResultList()).value(0);
+    EXPECT_EQ(record.title(), QStringLiteral("日本"));
+    EXPECT_EQ(record.rank(), 7);
+    EXPECT_EQ(record.rating(), 3);
+    EXPECT_EQ(record.userSaw(), true);
+    EXPECT_EQ(record.dateOfFind(), Date(-5.0));
+    EXPECT_EQ(record.urlText(), QStringLiteral("http://example.org/b?c"));
+
+    // What is of another type than this program writes stays as it was until it is changed.
+    const LoadedTree again = loadTree(saved(tree.root));
+    const ResultRecord same = onlyChild(again)->results()->value(0);
+    EXPECT_EQ(same, record);
+    EXPECT_NE(same, record.withRank(7));
+    query->markItemAsRead(record);
+    EXPECT_EQ(onlyChild(loadTree(saved(tree.root)))->results()->value(0).userSaw(), true);
+}
+
+TEST(QueryArchive, MissingEntriesReadAsTheirDefaults)
+{
+    const LoadedTree first = loadTree(xmlTree("", ""));
+    const QueryCorePtr query = onlyChild(first);
+    ASSERT_TRUE(query) << first.reason.toStdString();
+    const QueryFields fields = query->snapshot().fields;
+    EXPECT_FALSE(fields._query || fields._title || fields._lastUpdate || fields._hiddenResults || fields._urlFilters ||
+                 fields._combinedQueryList || fields._queryDisabled || fields._isFolder || fields._isAdvancedQuery);
+    EXPECT_TRUE(fields._currentResult && fields._currentResult->isEmpty());
+    EXPECT_TRUE(fields._excludedDomains && fields._excludedDomains->isEmpty());
+    EXPECT_EQ(fields._wordsRestriction, 0);
+    EXPECT_EQ(fields._websiteRestriction, QStringLiteral(""));
+    EXPECT_TRUE(fields._isSuscribedToBlacklist);
+    EXPECT_FALSE(fields._UUID.isEmpty());
+    EXPECT_NE(onlyChild(loadTree(xmlTree("", "")))->UUID(), query->UUID()) << "made anew with every load";
+}
+
+TEST(QueryArchive, WhatReferencesOneAnotherInACircleIsCarriedThrough)
+{
+    // 10 and 11 are of a class nobody knows; they refer to each other, and 11 to the query itself.
+    const QByteArray objects = "<dict><key>$class</key>" + reference(12) + "<key>other</key>" + reference(11) +
+                               "</dict>"
+                               "<dict><key>$class</key>" +
+                               reference(12) + "<key>back</key>" + reference(10) + "<key>query</key>" + reference(2) +
+                               "<key>native</key><true/></dict>"
+                               "<dict><key>$classname</key><string>Later</string></dict>";
+    const LoadedTree tree = loadTree(xmlTree("<key>futureKey</key>" + reference(10), objects));
+    ASSERT_TRUE(tree.root) << tree.reason.toStdString();
+    for (QByteArray bytes = saved(tree.root); const int round : {1, 2}) {
+        const auto opened = KeyedArchive::open(bytes);
+        ASSERT_TRUE(opened.archive) << opened.reason.toStdString();
+        ArchiveReader reader(opened.archive);
+        const auto entry = [&](const ArchivedValue& value, const char* name) {
+            return reader.entry(value, QLatin1String(name));
+        };
+        const auto childs = reader.list(entry(reader.root(), "queryChildsKey"));
+        const ArchivedValue query = reader.value(childs->at(0));
+        const ArchivedValue one = entry(query, "futureKey");
+        const ArchivedValue two = entry(one, "other");
+        EXPECT_EQ(entry(two, "back").object, one.object) << round;
+        EXPECT_EQ(entry(two, "query").object, query.object) << round;
+        EXPECT_EQ(entry(two, "native").item.type, PlistItem::Type::True);
+        EXPECT_EQ(reader.text(entry(entry(two, "$class"), "$classname"))->toString(), QStringLiteral("Later"));
+        bytes = saved(loadTree(bytes).root);
+    }
+}
+
+TEST(QueryArchive, DamageGivesATreeOrAReason)
+{
+    const QByteArray whole = goldenFile("db_apple.qsdata");
+    const auto check = [](const QByteArray& bytes, const std::string& what) {
+        const LoadedTree tree = loadTree(bytes);
+        EXPECT_NE(tree.root == nullptr, tree.reason.isEmpty()) << what;
+        EXPECT_TRUE(!tree.root || !saved(tree.root).isEmpty()) << what;
+    };
+    for (qsizetype size = 0; size < whole.size(); ++size) {
+        check(whole.left(size), "cut at " + std::to_string(size));
+        QByteArray flipped = whole;
+        flipped[size] = static_cast<char>(flipped[size] ^ (1 << (size % 8)));
+        check(flipped, "changed at " + std::to_string(size));
+    }
+}
+
+TEST(QueryArchive, TrickedArchivesAreRefused)
+{
+    struct Case {
+        const char* what;
+        QByteArray bytes;
+    };
+    // Every folder lists the next one twice: 2^40 ways down.
+    QByteArray doubling;
+    for (int i = 10; i < 50; ++i)
+        doubling += "<dict><key>$class</key>" + reference(3) + "<key>queryChildsKey</key><array>" + reference(i + 1) +
+                    reference(i + 1) + "</array></dict>";
+    doubling += "<dict><key>$class</key>" + reference(3) + "</dict>";
+    // A list of many references to one list of many records.
+    QByteArray many = "<array>";
+    for (int i = 0; i < 3000; ++i)
+        many += "<dict/>";
+    many += "</array>";
+    QByteArray nodes = "<array>";
+    for (int i = 0; i < 3000; ++i)
+        nodes += "<dict><key>$class</key>" + reference(3) + "<key>resultKey</key>" + reference(10) + "</dict>";
+    nodes += "</array>";
+    const Case cases[] = {
+        {"a folder below itself", xmlTree("<key>queryChildsKey</key><array>" + reference(1) + "</array>", "")},
+        {"nodes shared without end",
+         xmlTree("<key>queryChildsKey</key><array>" + reference(10) + "</array>", doubling)},
+        {"lists shared without end", xmlTree("<key>queryChildsKey</key>" + nodes, many)},
+        {"an unknown object that leads nowhere", xmlTree("<key>future</key>" + reference(9999), "")},
+        {"nothing", QByteArray()},
+        {"another property list", QByteArray("<plist version=\"1.0\"><dict/></plist>")},
+        {"a list of rules", goldenFile("Blacklist")},
+        {"another archiver", xmlTree("", "").replace("NSKeyedArchiver", "SomeArchiver")},
+        {"entities that multiply", xmlTree("", "")
+                                       .replace("<plist", "<!DOCTYPE p [<!ENTITY a \"aaaaaaaa\"><!ENTITY b "
+                                                          "\"&a;&a;\">]><plist")
+                                       .replace("$null", "&b;")},
+    };
+    for (const Case& tricked : cases) {
+        const LoadedTree tree = loadTree(tricked.bytes);
+        EXPECT_FALSE(tree.root) << tricked.what;
+        EXPECT_FALSE(tree.reason.isEmpty()) << tricked.what;
+    }
+}
+
+TEST(QueryArchive, ASinkThatRefusesEndsTheSave)
+{
+    class Refusing final : public ByteSink {
+    public:
+        bool append(const char*, std::size_t) override { return false; }
+    };
+    Refusing sink;
+    EXPECT_FALSE(saveTree(loadTree(goldenFile("db.qsdata")).root, sink));
+    EXPECT_FALSE(saveTree(nullptr, sink));
 }
 
 } // namespace
