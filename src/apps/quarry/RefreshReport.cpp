@@ -129,10 +129,15 @@ QString RefreshReport::summary() const
 
 QStringList RefreshReport::faults() const
 {
-    QStringList lines = _messages;
+    // Services that fail usually fail together, for one reason.
+    QMap<QString, QStringList> servicesOf;
     for (auto fault = _serviceFaults.begin(); fault != _serviceFaults.end(); ++fault)
-        lines.append(QStringLiteral("%1 could not be read (%2): %3")
-                         .arg(fault.key(), counted(fault->count, QStringLiteral("time")), fault->error));
+        servicesOf[QStringLiteral("could not be read (%1): %2")
+                       .arg(counted(fault->count, QStringLiteral("time")), fault->error)]
+            .append(fault.key());
+    QStringList lines = _messages;
+    for (auto reason = servicesOf.begin(); reason != servicesOf.end(); ++reason)
+        lines.append(reason->join(QLatin1String(", ")) + u' ' + reason.key());
     return lines;
 }
 
