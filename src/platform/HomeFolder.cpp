@@ -53,6 +53,21 @@ QString HomeFolder::updaterLockFile() const
     return supportFolder() + QStringLiteral("/.updaterLock");
 }
 
+QString HomeFolder::blacklistFile() const
+{
+    return supportFolder() + QStringLiteral("/Blacklist");
+}
+
+QString HomeFolder::logFile() const
+{
+    return supportFolder() + QStringLiteral("/UpdaterLog.log");
+}
+
+QString HomeFolder::logLockFile() const
+{
+    return supportFolder() + QStringLiteral("/.logLock");
+}
+
 QString HomeFolder::cachesFolder() const
 {
     return supportFolder() + QStringLiteral("/Caches");

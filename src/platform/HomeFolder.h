@@ -27,6 +27,12 @@ public:
     [[nodiscard]] QString writerLockFile() const;
     /// ".updaterLock" in the support folder: held by the one refresh that runs.
     [[nodiscard]] QString updaterLockFile() const;
+    /// "Blacklist" in the support folder.
+    [[nodiscard]] QString blacklistFile() const;
+    /// "UpdaterLog.log" in the support folder.
+    [[nodiscard]] QString logFile() const;
+    /// ".logLock" in the support folder: held while lines are added to the log file.
+    [[nodiscard]] QString logLockFile() const;
     /// "Caches" in the support folder.
     [[nodiscard]] QString cachesFolder() const;
     /// The page-cache folder of one query.
