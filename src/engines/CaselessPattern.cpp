@@ -3,52 +3,33 @@
 #include "engines/UnitBlock.h"
 
 #include <array>
+#include <climits>
 
 namespace quarry {
 
 namespace {
 
-constexpr char16_t LongS = 0x17F;
-constexpr char16_t KelvinSign = 0x212A;
+/// Places in an order from rare to common in the markup of result pages, roughly. Rare characters make good anchors.
+constexpr auto commonness = [] {
+    constexpr char16_t RarestFirst[] = u"!|@$zqjxyvw_gfbmuhp-d0123456789;:.,lcrnoiat='\"<>/e ";
+    std::array<signed char, 128> places{};
+    for (signed char place = 0; RarestFirst[place] != 0; ++place)
+        places[RarestFirst[place]] = place;
+    return places;
+}();
 
-constexpr bool isAsciiLetter(char16_t folded)
+bool canBeAnchor(char16_t folded)
 {
-    return folded >= u'a' && folded <= u'z';
-}
-
-/// Folds what can match an ASCII character; everything else beyond ASCII stays and matches none.
-constexpr char16_t foldedForAscii(char16_t unit)
-{
-    if (unit >= u'A' && unit <= u'Z')
-        return static_cast<char16_t>(unit + 0x20);
-    if (unit == LongS)
-        return u's';
-    return unit == KelvinSign ? u'k' : unit;
-}
-
-/// How often a character stands in the markup of result pages, roughly: the rarest ones make the best anchors.
-int commonness(char16_t folded)
-{
-    constexpr QStringView RarestFirst = u"!|@$zqjxykvw_gfbmuhp-d0123456789;:.,lcrsnoiat='\"<>/e ";
-    return static_cast<int>(RarestFirst.indexOf(folded));
-}
-
-template <typename Anchor>
-unsigned hits(const Anchor& anchor, const char16_t* units)
-{
-    const UnitBlock block(units + anchor.offset);
-    return anchor.isLetter ? block.equalLetter(anchor.unit) : block.equal(anchor.unit);
+    return folded < commonness.size() && folded != u's' && folded != u'k';
 }
 
 } // namespace
 
-CaselessPattern::CaselessPattern(QStringView pattern)
+CaselessPattern::CaselessPattern(QStringView pattern) : _folded(pattern.toString())
 {
-    for (const QChar c : pattern)
-        _isAscii = _isAscii && c.unicode() < 128;
-    _folded = _isAscii ? pattern.toString().toLower() : pattern.toString();
-    if (_isAscii)
-        chooseAnchors();
+    for (QChar& c : _folded)
+        c = QChar(foldedUnit(c.unicode()));
+    chooseAnchors();
 }
 
 void CaselessPattern::chooseAnchors()
@@ -56,57 +37,45 @@ void CaselessPattern::chooseAnchors()
     int best = INT_MAX;
     int second = INT_MAX;
     for (qsizetype i = 0; i < _folded.size(); ++i) {
-        const char16_t unit = _folded.at(i).unicode();
-        if (unit == u's' || unit == u'k')
+        const char16_t unit = std::as_const(_folded).at(i).unicode();
+        if (!canBeAnchor(unit))
             continue;
-        const Anchor anchor{i, unit, isAsciiLetter(unit)};
-        const int rank = commonness(unit);
-        if (rank < best) {
-            second = std::exchange(best, rank);
+        const Anchor anchor{i, unit, unit >= u'a' && unit <= u'z'};
+        const int place = commonness[unit];
+        if (place < best) {
+            second = std::exchange(best, place);
             _second = std::exchange(_first, anchor);
-        } else if (rank < second) {
-            second = rank;
+        } else if (place < second) {
+            second = place;
             _second = anchor;
         }
     }
-    _hasAnchors = best != INT_MAX;
-    if (second == INT_MAX)
+    if (_second.offset < 0)
         _second = _first;
 }
 
-bool CaselessPattern::matchesAt(QStringView text, qsizetype position) const
+bool CaselessPattern::restMatches(const char16_t* units) const
 {
-    if (position + _folded.size() > text.size())
-        return false;
-    if (!_isAscii)
-        return text.mid(position, _folded.size()).compare(_folded, Qt::CaseInsensitive) == 0;
-    const char16_t* units = text.utf16() + position;
-    for (qsizetype i = 0; i < _folded.size(); ++i) {
-        if (foldedForAscii(units[i]) != _folded.at(i).unicode())
+    const char16_t* pattern = QStringView(_folded).utf16();
+    for (qsizetype i = _folded.size() - 1; i > 0; --i) {
+        if (foldedUnit(units[i]) != pattern[i])
             return false;
     }
     return true;
 }
 
-qsizetype CaselessPattern::find(QStringView text, qsizetype from) const
+unsigned CaselessPattern::hits(const Anchor& anchor, const char16_t* units)
 {
-    if (!_isAscii || _folded.isEmpty())
-        return text.indexOf(_folded, from, Qt::CaseInsensitive);
-    if (_hasAnchors)
-        return findByAnchors(text, from);
-    for (qsizetype i = from; i + _folded.size() <= text.size(); ++i) {
-        if (matchesAt(text, i))
-            return i;
-    }
-    return -1;
+    const UnitBlock block(units + anchor.offset);
+    return anchor.isLetter ? block.equalLetter(anchor.unit) : block.equal(anchor.unit);
 }
 
-qsizetype CaselessPattern::findByAnchors(QStringView text, qsizetype from) const
+qsizetype CaselessPattern::find(QStringView text, qsizetype from) const
 {
     const char16_t* units = text.utf16();
-    const qsizetype lastBlock = text.size() - _folded.size() - UnitBlock::Size;
+    const qsizetype last = text.size() - _folded.size();
     qsizetype at = from;
-    for (; at <= lastBlock; at += UnitBlock::Size) {
+    for (; _first.offset >= 0 && at + UnitBlock::Size <= last; at += UnitBlock::Size) {
         unsigned mask = hits(_first, units + at) & hits(_second, units + at);
         for (; mask != 0; mask &= mask - 1) {
             const qsizetype candidate = at + std::countr_zero(mask);
@@ -114,7 +83,7 @@ qsizetype CaselessPattern::findByAnchors(QStringView text, qsizetype from) const
                 return candidate;
         }
     }
-    for (; at + _folded.size() <= text.size(); ++at) {
+    for (; at <= last; ++at) {
         if (matchesAt(text, at))
             return at;
     }

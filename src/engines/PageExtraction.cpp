@@ -190,14 +190,14 @@ QList<QStringView> extractIxquickFromPage(const ScanCopy& page)
     return contentsOfTagWithClass(u"div", u"result", page, true, u'\'');
 }
 
-ExtractedPage extractPage(SearchService service, const DecodedPage& page, qint64 start,
+ExtractedPage extractPage(SearchService service, DecodedPage page, qint64 start,
                           const DescriptionPlaceholders& placeholders)
 {
     ExtractedPage extracted;
     const ServiceRules* rules = rulesOf(service);
     if (rules == nullptr)
         return extracted;
-    const ScanCopy copy(page.text);
+    const ScanCopy copy(std::move(page.text));
     const Text areaText = rules->resultsArea(copy);
     if (!areaText)
         return extracted;

@@ -57,16 +57,16 @@ bool endsInStump(const char16_t* begin, const char16_t* end)
     return false;
 }
 
-/// The first pass: copies the page with tabs, line ends and line break hints dealt with, and notes on the way where
-/// a script or a comment may begin.
-class Copier final {
+/// The first pass: deals with tabs, line ends and line break hints, in place, and notes on the way where a script or a
+/// comment may begin.
+class Cleaner final {
 public:
-    Copier(QStringView code, char16_t* out, std::vector<qsizetype>& spanStarts)
-        : _in(code.utf16()), _length(code.size()), _out(out), _spanStarts(spanStarts)
+    Cleaner(char16_t* units, qsizetype length, std::vector<qsizetype>& spanStarts)
+        : _units(units), _length(length), _spanStarts(spanStarts)
     {
     }
 
-    /// The number of units written. `out` has room for the page and one block more.
+    /// The number of units that are left.
     qsizetype run()
     {
         while (_read < _length)
@@ -80,20 +80,37 @@ private:
     {
         const qsizetype count = std::min(_length - _read, UnitBlock::Size);
         char16_t padded[UnitBlock::Size] = {};
-        if (count < UnitBlock::Size)
-            std::memcpy(padded, _in + _read, static_cast<std::size_t>(count) * sizeof(char16_t));
-        const UnitBlock block(count < UnitBlock::Size ? padded : _in + _read);
-        block.storeReplacing(_out + _written, u'\t', u' ');
+        const bool isWhole = count == UnitBlock::Size;
+        if (!isWhole)
+            std::memcpy(padded, _units + _read, static_cast<std::size_t>(count) * sizeof(char16_t));
+        const UnitBlock block(isWhole ? _units + _read : padded);
         const unsigned lineEnds = block.equalEither(u'\n', u'\r');
         for (unsigned mask = lineEnds | block.equal(u'<'); mask != 0; mask &= mask - 1) {
             const int bit = std::countr_zero(mask);
-            const qsizetype skipped = (lineEnds >> bit & 1U) != 0 ? 1 : takeTagStart(bit);
+            const bool isLineEnd = (lineEnds >> bit & 1U) != 0;
+            const qsizetype skipped = isLineEnd ? 1 : takeTagStart(bit);
             if (skipped > 0) {
-                _written += bit;
-                _read += bit + skipped;
+                keep(block, bit);
+                _read += skipped;
+                _leftStump = _leftStump || (!isLineEnd && endsInStump(_units, _units + _written));
                 return;
             }
         }
+        if (isWhole) {
+            block.storeReplacing(_units + _written, u'\t', u' ');
+            _written += count;
+            _read += count;
+        } else {
+            keep(block, count);
+        }
+    }
+
+    /// Writes the first units of a block. Those behind them are still to be read, perhaps from where they would go.
+    void keep(const UnitBlock& block, qsizetype count)
+    {
+        char16_t cleaned[UnitBlock::Size];
+        block.storeReplacing(cleaned, u'\t', u' ');
+        std::memcpy(_units + _written, cleaned, static_cast<std::size_t>(count) * sizeof(char16_t));
         _written += count;
         _read += count;
     }
@@ -101,16 +118,16 @@ private:
     /// For the "<" that many units ahead: how many units of the page are to be left out from there.
     qsizetype takeTagStart(int ahead)
     {
-        const qsizetype at = _read + ahead;
-        const qsizetype hint = lineBreakHintAt(at);
-        if (hint > 0)
-            _leftStump = _leftStump || endsInStump(_out, _out + _written + ahead);
-        else if (mayBeginSpan(at))
+        const qsizetype hint = lineBreakHintAt(_read + ahead);
+        if (hint == 0 && mayBeginSpan(_read + ahead))
             _spanStarts.push_back(_written + ahead);
         return hint;
     }
 
-    [[nodiscard]] char16_t unitAt(qsizetype position) const { return position < _length ? _in[position] : char16_t(0); }
+    [[nodiscard]] char16_t unitAt(qsizetype position) const
+    {
+        return position < _length ? _units[position] : char16_t(0);
+    }
 
     /// The number of units that make up a line break hint there, line ends within it counted; 0: there is none.
     [[nodiscard]] qsizetype lineBreakHintAt(qsizetype at) const
@@ -146,10 +163,9 @@ private:
         return false;
     }
 
-    const char16_t* _in;
+    char16_t* _units;
     qsizetype _length;
     qsizetype _read = 0;
-    char16_t* _out;
     qsizetype _written = 0;
     std::vector<qsizetype>& _spanStarts;
     bool _leftStump = false;
@@ -252,14 +268,13 @@ private:
 
 } // namespace
 
-ScanCopy::ScanCopy(QStringView code)
+ScanCopy::ScanCopy(QString code) : _buffer(std::move(code))
 {
-    _buffer = QString(code.size() + UnitBlock::Size, Qt::Uninitialized);
     auto* units = reinterpret_cast<char16_t*>(_buffer.data());
     std::vector<qsizetype> spanStarts;
-    Copier copier(code, units, spanStarts);
-    qsizetype length = copier.run();
-    _settled = !copier.leftStump();
+    Cleaner cleaner(units, _buffer.size(), spanStarts);
+    qsizetype length = cleaner.run();
+    _settled = !cleaner.leftStump();
     // Scripts first, in the whole text: what looks like a comment inside one goes with it.
     for (const bool scripts : {true, false}) {
         if (spanStarts.empty())
@@ -276,7 +291,7 @@ ScanCopy::ScanCopy(QStringView code)
 ScanCopy ScanCopy::part(QStringView stretch) const
 {
     if (!_settled)
-        return ScanCopy(stretch);
+        return ScanCopy(stretch.toString());
     ScanCopy shared;
     shared._buffer = _buffer;
     shared._text = stretch;

@@ -11,7 +11,8 @@ namespace quarry {
 /// parts. A cheap, implicitly shared value; safe to read from several threads. All comparisons ignore case.
 class ScanCopy final {
 public:
-    explicit ScanCopy(QStringView code);
+    /// Made in the text itself where nobody else shares it.
+    explicit ScanCopy(QString code);
 
     [[nodiscard]] QStringView text() const { return _text; }
 

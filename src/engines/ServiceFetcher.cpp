@@ -56,8 +56,8 @@ private:
         PageFacts facts;
         facts.start = start;
         facts.address = finishedSearchUrl(_address, start, _rules.ampersandMarkers);
-        if (const auto page = pageFor(facts))
-            takeResults(*page, facts);
+        if (auto page = pageFor(facts))
+            takeResults(*std::move(page), facts);
         _outcome.pages.append(facts);
     }
 
@@ -94,9 +94,9 @@ private:
         return page;
     }
 
-    void takeResults(const DecodedPage& page, PageFacts& facts)
+    void takeResults(DecodedPage page, PageFacts& facts)
     {
-        const ExtractedPage extracted = extractPage(_service, page, facts.start, _placeholders);
+        const ExtractedPage extracted = extractPage(_service, std::move(page), facts.start, _placeholders);
         facts.hasResultsArea = extracted.hasResultsArea;
         facts.items = extracted.items;
         for (const FoundLink& link : extracted.links) {
@@ -104,22 +104,9 @@ private:
             ++_rank;
             if (link.title.isEmpty())
                 continue;
-            _outcome.records->append(recordFor(link));
+            _outcome.records->append(resultRecord(_service, link, _rank, _parts.clock.now()));
             ++facts.results;
         }
-    }
-
-    [[nodiscard]] ResultRecord recordFor(const FoundLink& link) const
-    {
-        return ResultRecord()
-            .withEngineId(searchServiceIdentifier(_service))
-            .withRank(_rank)
-            .withTitle(link.title)
-            .withUrl(link.url)
-            .withTextFromPage(link.description)
-            .withDateOfFind(_parts.clock.now())
-            .withChecksum(QString(QLatin1String("")))
-            .withUserSaw(false);
     }
 
     const ServiceFetcher::Parts& _parts;
@@ -150,6 +137,19 @@ const AskingRules* rulesOf(SearchService service)
 }
 
 } // namespace
+
+ResultRecord resultRecord(SearchService service, const FoundLink& link, qint64 rank, Date found)
+{
+    return ResultRecord()
+        .withEngineId(searchServiceIdentifier(service))
+        .withRank(rank)
+        .withTitle(link.title)
+        .withUrl(link.url)
+        .withTextFromPage(link.description)
+        .withDateOfFind(found)
+        .withChecksum(QString(QLatin1String("")))
+        .withUserSaw(false);
+}
 
 ServiceFetcher::ServiceFetcher(Parts parts, QString query, QString queryUuid)
     : _parts(std::move(parts)), _query(std::move(query)), _queryUuid(std::move(queryUuid))

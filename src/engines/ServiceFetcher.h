@@ -15,6 +15,11 @@
 
 namespace quarry {
 
+struct FoundLink;
+
+/// The record of a link that a service shows, with the rank it has there.
+[[nodiscard]] ResultRecord resultRecord(SearchService service, const FoundLink& link, qint64 rank, Date found);
+
 /// What became of one result page, for whoever watches how a service is doing.
 struct PageFacts {
     enum class Source { Nowhere, Cache, Network };

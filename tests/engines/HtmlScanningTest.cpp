@@ -107,9 +107,10 @@ TEST(ScanCopy, KeepsTheOddCases)
         {u"", u""},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(ScanCopy(QStringView(c.page)).text(), QStringView(c.copy)) << qPrintable(QString::fromUtf16(c.page));
+        EXPECT_EQ(ScanCopy(QString::fromUtf16(c.page)).text(), QStringView(c.copy))
+            << qPrintable(QString::fromUtf16(c.page));
     // What a removal joined is removed when the part is scanned by itself.
-    const ScanCopy joined(u"<p>a<scr<!-- -->ipt>x</script>b</p>");
+    const ScanCopy joined(u"<p>a<scr<!-- -->ipt>x</script>b</p>"_qs);
     EXPECT_EQ(joined.part(joined.text().mid(3)).text(), u"ab</p>");
 }
 
@@ -178,7 +179,7 @@ TEST(HtmlScanning, TargetsEqualTheNaiveWalkOnMarkerSoup)
 TEST(HtmlScanning, CollectsElementsByTheirRules)
 {
     const auto items = [](const char16_t* page) {
-        return texts(contentsOfTagWithClass(u"li", u"g", ScanCopy(QStringView(page)), true));
+        return texts(contentsOfTagWithClass(u"li", u"g", ScanCopy(QString::fromUtf16(page)), true));
     };
     EXPECT_EQ(items(u"<li class=\"g\">A<li class=\"x\">B</li>C</li><li class=\"g\">D</li>"),
               QStringList({u"A<li class=\"x\">B</li>C"_qs, u"D"_qs}));
@@ -189,9 +190,9 @@ TEST(HtmlScanning, CollectsElementsByTheirRules)
     EXPECT_EQ(items(u"<li class=\"g\""), QStringList{QString()});
     EXPECT_EQ(items(u"nothing"), QStringList{QString()});
     EXPECT_EQ(items(u"<li class=\"g\" title=\"a>b\">A</li>"), QStringList{u"b\">A"_qs}) << "quotes are not looked at";
-    EXPECT_TRUE(contentsOfTagWithAttribute(u"li", u"class", u"g", ScanCopy(u"nothing"), true).isEmpty());
-    EXPECT_EQ(extractDIVNamed(u"web", ScanCopy(u"<div id=\"web\">A<div>B</div></div>C")), u"A<div>B</div>");
-    EXPECT_EQ(extractDIVNamed(u"web", ScanCopy(u"<div id=\"we\">A</div>")), u"");
+    EXPECT_TRUE(contentsOfTagWithAttribute(u"li", u"class", u"g", ScanCopy(u"nothing"_qs), true).isEmpty());
+    EXPECT_EQ(extractDIVNamed(u"web", ScanCopy(u"<div id=\"web\">A<div>B</div></div>C"_qs)), u"A<div>B</div>");
+    EXPECT_EQ(extractDIVNamed(u"web", ScanCopy(u"<div id=\"we\">A</div>"_qs)), u"");
 }
 
 TEST(HtmlScanning, CleansRedirectingLinks)

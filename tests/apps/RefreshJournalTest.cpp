@@ -1,0 +1,92 @@
+#include "apps/updater/RefreshJournal.h"
+
+#include "support/RecordingPauser.h"
+#include "support/SettableClock.h"
+#include "support/TemporaryHome.h"
+
+#include <gtest/gtest.h>
+
+namespace quarry::test {
+namespace {
+
+class RefreshJournalTest : public ::testing::Test {
+protected:
+    using Engine = QueryDatabaseEngine;
+
+    std::unique_ptr<Engine> open()
+    {
+        return std::make_unique<Engine>(Engine::Parts{home, clock, pauser, files, notifications, nullptr, {}},
+                                        Engine::AtEnd::Discard);
+    }
+    QueryCorePtr inFile() { return open()->queries()->at(0); }
+    void rename(const QString& title)
+    {
+        EXPECT_EQ(open()->edit([&](Engine& engine) {
+            engine.queries()->at(0)->setTitle(title);
+            return QString();
+        }),
+                  QString());
+    }
+    /// What the update of a query does: a merge into the tree in use, and an entry in the journal.
+    static BroughtUpdate update(const QueryCorePtr& node, const QString& address, Date date)
+    {
+        const SearchDefinition asked = SearchDefinition::of(node->snapshot().fields);
+        const ResultList links = {ResultRecord().withUrl(Url::fromStored(address))};
+        mergeIntoQuery(*node, asked, links, date, 0, {});
+        return {node->UUID(), asked, links, date, node};
+    }
+    void waitForEvent(const QString& name)
+    {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [&] { return events.contains(name); });
+        events.removeAll(name);
+    }
+
+    TemporaryHome home;
+    SettableClock clock;
+    RecordingPauser pauser;
+    DiskFileStore files;
+    NotificationCenter notifications;
+    std::mutex mutex;
+    std::condition_variable changed;
+    QStringList events;
+    RefreshProgress progress{[this](const QJsonObject& event) {
+        const std::lock_guard lock(mutex);
+        events.append(event[u"event"].toString());
+        changed.notify_all();
+    }};
+};
+
+TEST_F(RefreshJournalTest, SavesNowAndThenAndMergesIntoWhatOthersSaved)
+{
+    const std::unique_ptr<Engine> database = open();
+    EXPECT_EQ(database->edit([](Engine& engine) {
+        engine.addQuery(QStringLiteral("bees"), false);
+        return QString();
+    }),
+              QString());
+    RefreshJournal journal(*database, progress, 0, std::chrono::milliseconds(1));
+    const Date date = clock.now();
+    const BroughtUpdate first = update(database->queries()->at(0), QStringLiteral("http://h/1"), date);
+    journal.add(first);
+    waitForEvent(QStringLiteral("saved"));
+    EXPECT_EQ(inFile()->results()->size(), 1);
+
+    rename(QStringLiteral("Bees"));
+    // As if the save in between had come before the first entry: the links are in the file, and still new.
+    journal.add(first);
+    waitForEvent(QStringLiteral("saved"));
+    EXPECT_EQ(inFile()->results()->at(0).newSincePrevious(), true);
+    EXPECT_EQ(inFile()->title(), QStringLiteral("Bees"));
+
+    const BroughtUpdate second = update(database->queries()->at(0), QStringLiteral("http://h/2"), date.plusSeconds(1));
+    rename(QStringLiteral("BEES"));
+    journal.add(second);
+    EXPECT_TRUE(journal.finish());
+    EXPECT_EQ(inFile()->title(), QStringLiteral("BEES"));
+    EXPECT_EQ(inFile()->results()->size(), 2);
+    EXPECT_EQ(inFile()->date(), second.date);
+}
+
+} // namespace
+} // namespace quarry::test
