@@ -344,7 +344,8 @@ TEST(QueryUpdater, RunsOnlySoManyAtOnceAndStopsWhatWaits)
     EXPECT_EQ(rig.ended.size(), 12U);
     for (const auto& [title, facts] : rig.ended)
         EXPECT_EQ(facts.end, UpdateEnd::Stopped) << qPrintable(title);
-    for (const QueryCorePtr& node : *rig.root->childs()) {
+    const QList<QueryCorePtr> nodes = rig.root->childs().value();
+    for (const QueryCorePtr& node : nodes) {
         EXPECT_EQ(node->date(), Date::reference());
         EXPECT_FALSE(node->isUpdating());
     }
