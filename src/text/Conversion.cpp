@@ -26,7 +26,7 @@ Converter openConverter(const char* name)
 }
 
 /// The converters count in 32 bits.
-constexpr qsizetype conversionLimit = 512 * 1024 * 1024;
+constexpr qsizetype conversionLimit = qsizetype{512} * 1024 * 1024;
 
 std::optional<QString> convertStrictly(const QByteArray& bytes, const char* name)
 {
@@ -68,13 +68,13 @@ QByteArray convertLossily(const QString& text, const char* name)
 bool isAscii(QStringView text)
 {
     const char16_t* const end = text.utf16() + text.size();
-    return findUnit(text.utf16(), end, [](auto unit) { return (unit & 0xFF80) != 0; }) == end;
+    return findUnit(text.utf16(), end, [](auto unit) { return unit >= u'\x80'; }) == end;
 }
 
 bool hasSurrogate(QStringView text)
 {
     const char16_t* const end = text.utf16() + text.size();
-    return findUnit(text.utf16(), end, [](auto unit) { return (unit & 0xF800) == 0xD800; }) != end;
+    return findUnit(text.utf16(), end, [](auto unit) { return (unit >= u'\xD800') & (unit < u'\xE000'); }) != end;
 }
 
 } // namespace

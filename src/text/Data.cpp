@@ -12,7 +12,7 @@ namespace quarry {
 
 namespace {
 
-constexpr qsizetype decompressionLimit = 256 * 1024 * 1024;
+constexpr qsizetype decompressionLimit = qsizetype{256} * 1024 * 1024;
 
 Bytef* bytes(QByteArray& data)
 {

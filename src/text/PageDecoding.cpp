@@ -68,7 +68,7 @@ std::optional<DecodedPage> decodeAsFaultyUtf8(const QByteArray& page)
 /// What the detector makes of the page; none when it has no idea, or one that is not in the table.
 std::optional<EncodingNumber> guessedEncoding(const QByteArray& page)
 {
-    constexpr qsizetype enough = 256 * 1024;
+    constexpr qsizetype enough = qsizetype{256} * 1024;
     const std::unique_ptr<uchardet, decltype(&uchardet_delete)> detector(uchardet_new(), &uchardet_delete);
     // Up to the first byte beyond ASCII there is nothing to learn, escape sequences excepted.
     const auto* firstHigh = std::find_if(page.begin(), page.end(), [](char c) { return (c & 0x80) != 0 || c == 0x1B; });

@@ -8,50 +8,70 @@
 
 namespace quarry {
 
-/// Eight units that are compared at once; a comparison makes a mask, as with a single unit.
-using UnitBlock [[gnu::vector_size(16)]] = unsigned short;
-inline constexpr std::ptrdiff_t unitsOfBlock = 8;
+/// Which of the eight units of a block passed a comparison.
+class UnitMask final {
+public:
+    using Lanes [[gnu::vector_size(16)]] = short;
 
-[[nodiscard]] inline UnitBlock loadBlock(const char16_t* p)
-{
-    UnitBlock block;
-    std::memcpy(&block, p, sizeof(block));
-    return block;
-}
+    explicit UnitMask(Lanes passed) : _passed(passed) {}
 
-template <typename Mask>
-[[nodiscard]] inline bool anyUnit(const Mask& mask)
-{
-    std::uint64_t halves[2];
-    static_assert(sizeof(mask) == sizeof(halves));
-    std::memcpy(halves, &mask, sizeof(halves));
-    return (halves[0] | halves[1]) != 0;
-}
+    friend UnitMask operator|(const UnitMask& a, const UnitMask& b) { return UnitMask(a._passed | b._passed); }
+    friend UnitMask operator&(const UnitMask& a, const UnitMask& b) { return UnitMask(a._passed & b._passed); }
+
+    [[nodiscard]] bool isEmpty() const
+    {
+        std::uint64_t halves[2];
+        static_assert(sizeof(_passed) == sizeof(halves));
+        std::memcpy(halves, &_passed, sizeof(halves));
+        return (halves[0] | halves[1]) == 0;
+    }
+
+private:
+    Lanes _passed;
+};
+
+/// Eight units that are compared with a single one at once, as a single one would be: one generic test does for both.
+class UnitBlock final {
+public:
+    static constexpr std::ptrdiff_t size = 8;
+
+    explicit UnitBlock(const char16_t* p) { std::memcpy(&_units, p, sizeof(_units)); }
+
+    friend UnitMask operator==(const UnitBlock& a, char16_t b) { return UnitMask(a._units == all(b)); }
+    friend UnitMask operator>=(const UnitBlock& a, char16_t b) { return UnitMask(a._units >= all(b)); }
+    friend UnitMask operator<(const UnitBlock& a, char16_t b) { return UnitMask(a._units < all(b)); }
+
+private:
+    using Lanes [[gnu::vector_size(16)]] = unsigned short;
+    static Lanes all(char16_t unit) { return Lanes{} + static_cast<unsigned short>(unit); }
+
+    Lanes _units;
+};
 
 /// The first position at or after `p` whose unit passes the test, or `end`. The test gets a unit or a block of them
 /// and combines its comparisons with "|" and "&" only.
 template <typename Test>
 [[nodiscard]] inline const char16_t* findUnit(const char16_t* p, const char16_t* end, Test test)
 {
-    while (end - p >= unitsOfBlock && !anyUnit(test(loadBlock(p))))
-        p += unitsOfBlock;
-    while (p != end && !test(static_cast<unsigned short>(*p)))
+    while (end - p >= UnitBlock::size && test(UnitBlock(p)).isEmpty())
+        p += UnitBlock::size;
+    while (p != end && !test(*p))
         ++p;
     return p;
 }
 
 [[nodiscard]] inline const char16_t* findUnit(const char16_t* p, const char16_t* end, char16_t wanted)
 {
-    return findUnit(p, end, [wanted](auto unit) { return unit == static_cast<unsigned short>(wanted); });
+    return findUnit(p, end, [wanted](auto unit) { return unit == wanted; });
 }
 
 /// The same with a test of the unit and the one before it: something must stand before `p`.
 template <typename Test>
 [[nodiscard]] inline const char16_t* findUnitPair(const char16_t* p, const char16_t* end, Test test)
 {
-    while (end - p >= unitsOfBlock && !anyUnit(test(loadBlock(p), loadBlock(p - 1))))
-        p += unitsOfBlock;
-    while (p != end && !test(static_cast<unsigned short>(*p), static_cast<unsigned short>(p[-1])))
+    while (end - p >= UnitBlock::size && test(UnitBlock(p), UnitBlock(p - 1)).isEmpty())
+        p += UnitBlock::size;
+    while (p != end && !test(*p, p[-1]))
         ++p;
     return p;
 }

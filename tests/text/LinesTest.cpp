@@ -128,7 +128,7 @@ TEST(Data, IsCompressedToAPlainStreamAndBack)
 
 TEST(Data, BombsAreRefused)
 {
-    const std::optional<QByteArray> packed = compressedData(QByteArray(257 * 1024 * 1024, '\0'));
+    const std::optional<QByteArray> packed = compressedData(QByteArray(qsizetype{257} * 1024 * 1024, '\0'));
     ASSERT_TRUE(packed);
     EXPECT_EQ(decompressedData(*packed), std::nullopt);
 }

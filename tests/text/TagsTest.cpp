@@ -3,6 +3,8 @@
 #include "text/Entities.h"
 #include "text/Spans.h"
 
+#include <QList>
+
 #include <gtest/gtest.h>
 
 #include <random>
