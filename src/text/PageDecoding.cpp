@@ -48,7 +48,7 @@ bool hasByteIn(const QByteArray& page, unsigned char first, unsigned char last)
 }
 
 /// A page is seldom true Latin-1: what uses its control characters means the Windows code page.
-std::optional<DecodedPage> decodeAsDeclared(const QByteArray& page, EncodingNumber encoding)
+std::optional<DecodedPage> decodeAsNamed(const QByteArray& page, EncodingNumber encoding)
 {
     const bool isWindows = encoding == latin1Encoding && hasByteIn(page, 0x80, 0x9F);
     return decodeAs(page, isWindows ? windows1252Encoding : encoding);
@@ -68,7 +68,7 @@ std::optional<DecodedPage> decodeAsFaultyUtf8(const QByteArray& page)
 /// What the detector makes of the page; none when it has no idea, or one that is not in the table.
 std::optional<EncodingNumber> guessedEncoding(const QByteArray& page)
 {
-    constexpr qsizetype enough = qsizetype{256} * 1024;
+    constexpr qsizetype enough = qsizetype{64} * 1024;
     const std::unique_ptr<uchardet, decltype(&uchardet_delete)> detector(uchardet_new(), &uchardet_delete);
     // Up to the first byte beyond ASCII there is nothing to learn, escape sequences excepted.
     const auto* firstHigh = std::find_if(page.begin(), page.end(), [](char c) { return (c & 0x80) != 0 || c == 0x1B; });
@@ -104,7 +104,7 @@ DecodedPage decodeByDetection(const QByteArray& page)
     std::optional<DecodedPage> decoded = decodeAsPlainUtf8(page);
     if (!decoded) {
         if (const auto guess = guessedEncoding(page))
-            decoded = decodeAs(page, *guess);
+            decoded = decodeAsNamed(page, *guess);
     }
     if (!decoded)
         decoded = decodeAs(page, windows1252Encoding);
@@ -118,7 +118,7 @@ DecodedPage decodeResultPage(const QByteArray& page, QStringView contentType)
     bool isCalledUtf8 = false;
     const auto attempt = [&](std::optional<EncodingNumber> encoding) {
         isCalledUtf8 = isCalledUtf8 || encoding == utf8Encoding;
-        return encoding ? decodeAsDeclared(page, *encoding) : std::nullopt;
+        return encoding ? decodeAsNamed(page, *encoding) : std::nullopt;
     };
     if (auto decoded = attempt(byteOrderMark(page)))
         return *std::move(decoded);
@@ -140,7 +140,7 @@ std::optional<DecodedPage> decodePageByBytes(const QByteArray& page)
     if (auto decoded = decodeAsPlainUtf8(page))
         return decoded;
     const auto guess = guessedEncoding(page);
-    auto decoded = guess ? decodeAs(page, *guess) : std::nullopt;
+    auto decoded = guess ? decodeAsNamed(page, *guess) : std::nullopt;
     return decoded && isConfident(page, *decoded) ? decoded : std::nullopt;
 }
 
