@@ -4,8 +4,13 @@
 #include "gateway/Gzip.h"
 #include "gateway/HtmlText.h"
 #include "gateway/Markup.h"
+#include "text/CharsetDeclaration.h"
+#include "text/PageDecoding.h"
 
-#include <QStringDecoder>
+#include <QList>
+#include <QString>
+
+#include <algorithm>
 
 namespace quarry {
 
@@ -52,18 +57,29 @@ std::optional<QByteArray> asUtf8(const QByteArray& bytes)
     return std::nullopt;
 }
 
-QByteArray decoded(const QByteArray& bytes, const QByteArray& declaredCharset)
+/// By the declared encoding; of an encoding of several bytes a character the cut may have taken some.
+std::optional<QString> asDeclared(const QByteArray& bytes)
 {
-    if (bytes.startsWith("\xEF\xBB\xBF"))
-        return bytes.mid(3);
-    if (hasUtf16Mark(bytes))
-        return QString(QStringDecoder(QStringDecoder::Utf16)(bytes)).toUtf8();
-    if (const std::optional<QByteArray> utf8 = asUtf8(bytes))
+    const auto encoding = encodingForCharset(charsetDeclaredInPage(bytes));
+    constexpr qsizetype mostBytesCut = 3;
+    for (qsizetype cut = 0; encoding && cut <= std::min(mostBytesCut, bytes.size()); ++cut) {
+        if (auto text = fromEncoding(bytes.chopped(cut), *encoding))
+            return text;
+    }
+    return std::nullopt;
+}
+
+/// A document is always shown, if need be with a wrong letter.
+QByteArray decoded(const QByteArray& bytes, Document::Kind kind)
+{
+    const QByteArray content = bytes.startsWith("\xEF\xBB\xBF") ? bytes.mid(3) : bytes;
+    if (const std::optional<QByteArray> utf8 = asUtf8(content))
         return *utf8;
-    QStringDecoder declared(declaredCharset.constData());
-    if (declared.isValid())
-        return QString(declared(bytes)).toUtf8();
-    return QString::fromLatin1(bytes).toUtf8();
+    if (const auto declared = kind == Document::Kind::Html ? asDeclared(content) : std::nullopt)
+        return declared->toUtf8();
+    if (const std::optional<DecodedPage> guessed = decodePageByBytes(content))
+        return guessed->text.toUtf8();
+    return QString::fromLatin1(content).toUtf8();
 }
 
 } // namespace
@@ -85,7 +101,7 @@ std::optional<Document> Document::fromFile(const QByteArray& path, const QByteAr
     Document result;
     result.isCut = isCut;
     result.kind = isHtmlName(name) ? Kind::Html : Kind::Text;
-    result.text = decoded(content, result.kind == Kind::Html ? HtmlText::declaredCharset(content) : QByteArray());
+    result.text = decoded(content, result.kind);
     result.title = documentTitle(result, name);
     return result;
 }

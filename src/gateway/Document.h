@@ -16,8 +16,8 @@ struct Document {
     bool isCut = false; ///< There is more than this.
 
     /// At most that many bytes of a decoded document are looked at: for the index, and for a page.
-    static constexpr qsizetype indexLimit = 128 * 1024;
-    static constexpr qsizetype pageLimit = 4 * 1024 * 1024;
+    static constexpr qsizetype indexLimit = qsizetype(128) * 1024;
+    static constexpr qsizetype pageLimit = qsizetype(4) * 1024 * 1024;
 
     /// From the file's bytes, cut at the limit or one byte later; none when it is no document: binary, or a file that
     /// only serves others (style sheets, scripts). The path gives the kind, and the title where the text has none.

@@ -4,6 +4,13 @@
 #include "gateway/Sqlite.h"
 #include "platform/FileStore.h"
 
+#include <QByteArray>
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
 namespace quarry {
 
 /// The full-text index of a folder's files. It knows every file by path and stamp, documents or not, so that only

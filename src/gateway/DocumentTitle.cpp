@@ -2,6 +2,11 @@
 
 #include "gateway/HtmlText.h"
 
+#include <QString>
+
+#include <algorithm>
+#include <cctype>
+
 namespace quarry {
 
 namespace {
@@ -65,7 +70,7 @@ QByteArray headingOf(const QByteArray& text)
         // Only a text that begins with fields has none of its lines for a title.
         if (isMachineLine(line) && !line.startsWith("#!") && line.indexOf(':') > 0)
             return {};
-        const QByteArray heading = withoutLinks(withoutHeadingMarks(line));
+        QByteArray heading = withoutLinks(withoutHeadingMarks(line));
         if (!isMachineLine(line) && hasLetters(heading))
             return heading;
         begin = end + 1;

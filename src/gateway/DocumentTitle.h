@@ -2,6 +2,8 @@
 
 #include "gateway/Document.h"
 
+#include <QByteArray>
+
 namespace quarry {
 
 /// The title of a document whose kind and text are set: of HTML its title element; else the first heading, or the

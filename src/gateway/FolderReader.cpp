@@ -1,5 +1,7 @@
 #include "gateway/FolderReader.h"
 
+#include <map>
+
 namespace quarry {
 
 namespace {
@@ -10,6 +12,12 @@ constexpr std::chrono::seconds betweenFullLooks(1);
 QByteArray joined(const QByteArray& folder, const QByteArray& name)
 {
     return folder.isEmpty() ? name : folder + '/' + name;
+}
+
+/// Names that begin with a dot are not meant to be seen, at any level of a path.
+bool isHidden(const QByteArray& path)
+{
+    return path.startsWith('.') || path.contains("/.");
 }
 
 /// File systems date a change only to some milliseconds: a file that was written just now may be written once more
@@ -35,7 +43,7 @@ std::vector<ContainedFolder::Entry> candidates(const std::vector<ContainedFolder
     std::vector<ContainedFolder::Entry> result;
     for (const ContainedFolder::Entry& entry : entries) {
         const bool isCopy = entry.name.endsWith(".gz") && plain.count(entry.name.chopped(3)) != 0;
-        if (!entry.isFolder && !isCopy && Document::isCandidate(entry.name))
+        if (!entry.isFolder && !isCopy && !isHidden(entry.name) && Document::isCandidate(entry.name))
             result.push_back(entry);
     }
     return result;
@@ -82,6 +90,8 @@ void FolderReader::readChanges()
 
 std::optional<Document> FolderReader::document(const QByteArray& path) const
 {
+    if (isHidden(path))
+        return std::nullopt;
     for (const QByteArray& name : {path, path + ".gz"}) {
         const auto content = _folder.read(name, Document::pageLimit + 1);
         if (content)
@@ -102,6 +112,8 @@ void FolderReader::readTreeAgain(const QByteArray& folder)
 
 void FolderReader::readTree(const QByteArray& folder, std::set<QByteArray>& seen)
 {
+    if (isHidden(folder))
+        return;
     // Watched before it is listed: what comes in between is then seen twice, and not missed.
     _watch.add(folder);
     const auto entries = _folder.list(folder);

@@ -5,12 +5,20 @@
 #include "platform/ContainedFolder.h"
 #include "platform/FolderWatch.h"
 
+#include <QByteArray>
+#include <QString>
+
 #include <chrono>
+#include <cstdint>
 #include <functional>
+#include <optional>
+#include <set>
+#include <vector>
 
 namespace quarry {
 
-/// Keeps an index the same as a folder. Throws SqliteError. One thread at a time, but document() any.
+/// Keeps an index the same as a folder; hidden files and folders apart, which are no documents. Throws SqliteError. One
+/// thread at a time, but document() any.
 class FolderReader final {
 public:
     /// Files looked at so far; false gives up. Asked for every file that has to be read.

@@ -1,6 +1,21 @@
 #include "gateway/FolderSource.h"
 
+#include <QFileInfo>
+
 namespace quarry {
+
+namespace {
+
+/// An index among the documents it is made from would change with every look at them.
+bool isSeenIn(const ContainedFolder& folder, const QString& indexFile)
+{
+    const QFileInfo file(indexFile);
+    const QString place = QFileInfo(file.absolutePath()).canonicalFilePath() + u'/';
+    return !indexFile.isEmpty() && place.startsWith(folder.path() + u'/') && !file.fileName().startsWith(u'.') &&
+           !place.mid(folder.path().size()).contains(QStringLiteral("/."));
+}
+
+} // namespace
 
 std::unique_ptr<FolderSource> FolderSource::open(const Options& options, QString* error)
 {
@@ -8,6 +23,13 @@ std::unique_ptr<FolderSource> FolderSource::open(const Options& options, QString
     std::optional<ContainedFolder> folder = ContainedFolder::open(options.folder, error);
     if (!folder)
         return nullptr;
+    if (isSeenIn(*folder, options.indexFile)) {
+        *error =
+            QStringLiteral("the index file \"%1\" lies among the documents; put it elsewhere, or let its name begin "
+                           "with a dot")
+                .arg(options.indexFile);
+        return nullptr;
+    }
     try {
         auto reader = std::make_unique<FolderReader>(*std::move(folder), options.indexFile);
         reader->readAll(options.progress);

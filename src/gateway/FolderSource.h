@@ -3,8 +3,13 @@
 #include "gateway/FolderReader.h"
 #include "gateway/SearchSource.h"
 
+#include <QByteArray>
+#include <QString>
+
+#include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 namespace quarry {
 

@@ -4,10 +4,18 @@
 #include "gateway/Markup.h"
 #include "gateway/ResultPage.h"
 
+#include <QStringList>
+
 #include <httplib.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <chrono>
+#include <optional>
+#include <string>
 #include <system_error>
+#include <thread>
 
 namespace quarry {
 
@@ -90,8 +98,12 @@ void GatewayServer::Implementation::prepare()
     });
     if (_options.log) {
         _server.set_logger([this](const httplib::Request& request, const httplib::Response& response) {
-            _options.log(QByteArray::fromStdString(request.method) + ' ' + QByteArray::fromStdString(request.target) +
-                         ' ' + QByteArray::number(response.status));
+            // Escapes as they came; but nothing that would move a terminal's cursor.
+            QByteArray line = QByteArray::fromStdString(request.method + ' ' + request.target) + ' ' +
+                              QByteArray::number(response.status);
+            std::replace_if(
+                line.begin(), line.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, '?');
+            _options.log(line);
         });
     }
 }
@@ -142,8 +154,6 @@ void GatewayServer::Implementation::answer(const httplib::Request& request, http
     response.set_header("Referrer-Policy", "no-referrer");
     response.set_header("Content-Security-Policy", pagePolicy);
     if (request.method != "GET" && request.method != "HEAD") {
-        // What such a request carries was not read; the next one cannot be told from it.
-        response.set_header("Connection", "close");
         response.set_header("Allow", "GET, HEAD");
         return answerError(response, statusMethodNotAllowed, "Only reading is possible here.");
     }

@@ -2,6 +2,9 @@
 
 #include "gateway/SearchSource.h"
 
+#include <QByteArray>
+#include <QString>
+
 #include <functional>
 #include <memory>
 

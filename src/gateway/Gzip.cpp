@@ -2,6 +2,9 @@
 
 #include <zlib.h>
 
+#include <algorithm>
+#include <memory>
+
 namespace quarry {
 
 std::optional<QByteArray> gunzipped(const QByteArray& file, qsizetype limit)
@@ -20,7 +23,7 @@ std::optional<QByteArray> gunzipped(const QByteArray& file, qsizetype limit)
     int status = Z_OK;
     while (status == Z_OK && result.size() < limit) {
         const qsizetype had = result.size();
-        result.resize(std::min(limit, std::max<qsizetype>(2 * had, 64 * 1024)));
+        result.resize(std::min(limit, std::max<qsizetype>(2 * had, qsizetype(64) * 1024)));
         stream.next_out = reinterpret_cast<Bytef*>(result.data() + had);
         stream.avail_out = static_cast<uInt>(result.size() - had);
         status = inflate(&stream, Z_NO_FLUSH);

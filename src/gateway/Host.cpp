@@ -2,6 +2,9 @@
 
 #include "gateway/Markup.h"
 
+#include <algorithm>
+#include <cctype>
+
 namespace quarry {
 
 QByteArray hostOf(const QByteArray& hostAndPort)

@@ -1,7 +1,12 @@
 #include "gateway/HtmlText.h"
 
-#include <QChar>
+#include "text/Entities.h"
+
+#include <QHash>
+#include <QList>
 #include <QString>
+
+#include <cctype>
 
 namespace quarry {
 
@@ -53,18 +58,18 @@ bool isInline(QByteArrayView name)
     return names.contains(name.startsWith('/') ? name.sliced(1) : name);
 }
 
+/// The text of an entity, given its name; empty when it is none. The names that matter to search results are enough
+/// for an index too, but for a few marks; numbers stand for every character here.
 QByteArray entity(QByteArrayView name)
 {
-    static const QHash<QByteArray, QByteArray> named = {
-        {"amp", "&"},         {"lt", "<"},         {"gt", ">"},          {"quot", "\""},       {"apos", "'"},
-        {"nbsp", " "},        {"copy", "\u00A9"},  {"reg", "\u00AE"},    {"ndash", "\u2013"},  {"mdash", "\u2014"},
-        {"lsquo", "\u2018"},  {"rsquo", "\u2019"}, {"ldquo", "\u201C"},  {"rdquo", "\u201D"},  {"hellip", "\u2026"},
-        {"auml", "\u00E4"},   {"ouml", "\u00F6"},  {"uuml", "\u00FC"},   {"szlig", "\u00DF"},  {"Auml", "\u00C4"},
-        {"Ouml", "\u00D6"},   {"Uuml", "\u00DC"},  {"eacute", "\u00E9"}, {"egrave", "\u00E8"}, {"ecirc", "\u00EA"},
-        {"agrave", "\u00E0"}, {"acirc", "\u00E2"}, {"ccedil", "\u00E7"}, {"bull", "\u2022"},   {"middot", "\u00B7"},
-        {"laquo", "\u00AB"},  {"raquo", "\u00BB"}, {"euro", "\u20AC"},   {"sect", "\u00A7"},   {"deg", "\u00B0"}};
-    if (!name.startsWith('#'))
-        return named.value(name.toByteArray());
+    static const QHash<QByteArray, QByteArray> marks = {
+        {"mdash", "\u2014"}, {"ldquo", "\u201C"}, {"rdquo", "\u201D"}, {"rarr", "\u2192"}, {"trade", "\u2122"}};
+    if (!name.startsWith('#')) {
+        if (const auto mark = marks.constFind(name.toByteArray()); mark != marks.constEnd())
+            return *mark;
+        const QString text = mapEntityToString(QString::fromUtf8(name));
+        return text.size() > 1 && text.startsWith(u'&') ? QByteArray() : text.toUtf8();
+    }
     const bool isHex = name.size() > 1 && (name[1] == 'x' || name[1] == 'X');
     bool ok = false;
     const uint code = name.sliced(isHex ? 2 : 1).toByteArray().toUInt(&ok, isHex ? 16 : 10);
@@ -133,22 +138,6 @@ HtmlText HtmlText::fromPage(QByteArrayView page)
         }
     }
     return result;
-}
-
-QByteArray HtmlText::declaredCharset(QByteArrayView page)
-{
-    const QByteArrayView head = page.first(std::min<qsizetype>(page.size(), 2048));
-    qsizetype at = find(head, "charset=", 0);
-    if (at < 0)
-        return {};
-    at += 8;
-    while (at < head.size() && (head[at] == '"' || head[at] == '\''))
-        ++at;
-    qsizetype end = at;
-    while (end < head.size() &&
-           (std::isalnum(static_cast<unsigned char>(head[end])) != 0 || head[end] == '-' || head[end] == '_'))
-        ++end;
-    return head.sliced(at, end - at).toByteArray();
 }
 
 } // namespace quarry

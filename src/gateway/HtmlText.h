@@ -13,8 +13,6 @@ struct HtmlText {
 
     /// Of UTF-8 bytes, which may be cut anywhere.
     [[nodiscard]] static HtmlText fromPage(QByteArrayView page);
-    /// The charset a page declares in its head, as it stands there; empty when there is none.
-    [[nodiscard]] static QByteArray declaredCharset(QByteArrayView page);
 };
 
 } // namespace quarry

@@ -2,6 +2,8 @@
 
 #include "gateway/SearchSource.h"
 
+#include <cctype>
+
 namespace quarry {
 
 namespace {

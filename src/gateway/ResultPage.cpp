@@ -2,6 +2,9 @@
 
 #include "gateway/Markup.h"
 
+#include <algorithm>
+#include <cstdint>
+
 namespace quarry {
 
 namespace {

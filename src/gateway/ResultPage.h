@@ -2,6 +2,8 @@
 
 #include "gateway/ServiceDialect.h"
 
+#include <QByteArray>
+
 namespace quarry {
 
 /// What a result page shows.

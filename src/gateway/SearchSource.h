@@ -3,8 +3,10 @@
 #include "gateway/SearchText.h"
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 
+#include <cstdint>
 #include <optional>
 #include <vector>
 

@@ -1,5 +1,8 @@
 #include "gateway/SearchText.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace quarry {
 
 namespace {
@@ -34,7 +37,8 @@ SearchText::Term nextTerm(QStringView text, qsizetype& at)
 /// The index looks at letters and digits only; a term without any would match nothing and hide the others.
 bool hasWord(const QString& text)
 {
-    return std::any_of(text.begin(), text.end(), [](QChar c) { return c.isLetterOrNumber() || c.isSurrogate(); });
+    const QList<uint> characters = text.toUcs4();
+    return std::any_of(characters.begin(), characters.end(), [](uint c) { return QChar::isLetterOrNumber(c); });
 }
 
 QByteArray quoted(const QString& text)

@@ -2,6 +2,10 @@
 
 #include "gateway/Markup.h"
 
+#include <algorithm>
+#include <array>
+#include <initializer_list>
+
 namespace quarry {
 
 namespace {

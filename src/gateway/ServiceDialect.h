@@ -2,7 +2,11 @@
 
 #include "gateway/SearchSource.h"
 
+#include <QByteArray>
+#include <QString>
+
 #include <map>
+#include <optional>
 #include <string>
 
 namespace quarry {

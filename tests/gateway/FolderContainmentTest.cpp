@@ -1,6 +1,12 @@
 #include "gateway/RunningGateway.h"
 
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QList>
 #include <QProcess>
+#include <QString>
+#include <QStringList>
 
 namespace quarry {
 
@@ -20,6 +26,8 @@ protected:
         file.close();
         QDir().mkdir(gateway.outside(QStringLiteral("elsewhere")));
         ASSERT_TRUE(file.copy(gateway.outside(QStringLiteral("elsewhere/secret.txt"))));
+        gateway.write(QStringLiteral(".hidden.txt"), secret);
+        gateway.write(QStringLiteral("sub/.git/config"), secret);
         link("secret.txt", "toFile.txt");
         link("elsewhere", "toFolder");
         link("docs/../secret.txt", "overParent.txt");
@@ -65,7 +73,9 @@ TEST_F(FolderContainment, NoPathLeadsOutOfTheFolder)
                                        "/doc/%u002e%u002e/secret.txt",
                                        "/doc/pipe.txt",
                                        "/../secret.txt",
-                                       "/docs/inside.txt"};
+                                       "/docs/inside.txt",
+                                       "/doc/.hidden.txt",
+                                       "/doc/sub/.git/config"};
     for (const QByteArray& target : targets) {
         const RunningGateway::Page page = gateway.get(target);
         EXPECT_GE(page.status, 400) << target.constData();
@@ -78,6 +88,9 @@ TEST_F(FolderContainment, TheIndexTakesInNothingFromOutside)
     QStringList found = gateway.find("query=ordinary");
     found.sort();
     EXPECT_EQ(found, QStringList({QStringLiteral("inside.txt"), QStringLiteral("sub/below.txt")}));
+    EXPECT_EQ(gateway.find("query=secret"), QStringList());
+    gateway.write(QStringLiteral("sub/.git/more"), secret);
+    gateway.write(QStringLiteral(".new/more"), secret);
     EXPECT_EQ(gateway.find("query=secret"), QStringList());
 }
 

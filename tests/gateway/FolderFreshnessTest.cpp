@@ -1,6 +1,21 @@
 #include "gateway/RunningGateway.h"
 
+#include <QByteArray>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
 #include <zlib.h>
+
+#include <atomic>
+#include <cstdint>
+#include <initializer_list>
+#include <thread>
+#include <utility>
+#include <vector>
 
 namespace quarry {
 
@@ -162,8 +177,13 @@ TEST(IndexFile, OfAnotherProgramIsLeftAlone)
         other.run("CREATE TABLE precious(x); INSERT INTO precious VALUES(42)");
     }
     QString error;
-    EXPECT_FALSE(FolderSource::open({folder.path(), file, {}}, &error));
+    QTemporaryDir documents;
+    EXPECT_FALSE(FolderSource::open({documents.path(), file, {}}, &error));
     EXPECT_TRUE(error.contains(QStringLiteral("another program"))) << qPrintable(error);
+    EXPECT_FALSE(FolderSource::open({folder.path(), file, {}}, &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("lies among the documents"))) << qPrintable(error);
+    EXPECT_TRUE(FolderSource::open({folder.path(), folder.filePath(QStringLiteral(".index")), {}}, &error))
+        << qPrintable(error);
     EXPECT_EQ(SqliteDatabase(file).number("SELECT x FROM precious"), 42);
 }
 

@@ -1,5 +1,10 @@
 #include "gateway/RunningGateway.h"
 
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
 namespace quarry {
 
 namespace {
@@ -42,6 +47,7 @@ TEST_F(GatewayPages, WhatIsAskedForIsFoundAndNothingElse)
         {"query=caf%C3%A9", {cafe}},
         {"query=c%2B%2B", {filter}},
         {"query=brew+%26+-+!", {filter, black, green}},
+        {"query=%F0%9F%98%80+brew", {filter, black, green}},
         {"query=!!!", {}},
         {"query=", {}},
         {"", {}},
@@ -155,7 +161,7 @@ TEST_F(GatewayPages, DocumentsKeepTheirLettersAndTitles)
 TEST_F(GatewayPages, BigDocumentsAreCutAndStillWhole)
 {
     // Cut in the middle of a character, for the index and for the page.
-    const QByteArray text = "Big\nmarker " + QByteArray("\u00E9").repeated(3 * 1024 * 1024) + " beyond";
+    const QByteArray text = "Big\nmarker " + QByteArray("\u00E9").repeated(qsizetype(3) * 1024 * 1024) + " beyond";
     write("big.txt", text);
     gateway.start();
     EXPECT_EQ(gateway.find("query=marker"), QStringList(QStringLiteral("big.txt")));

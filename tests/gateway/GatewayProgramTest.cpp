@@ -1,6 +1,12 @@
 #include "gateway/RunningGateway.h"
 
+#include <QByteArray>
+#include <QFile>
+#include <QList>
 #include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
 
 namespace quarry {
 
@@ -85,8 +91,8 @@ TEST_F(GatewayProgram, SaysWhatIsWrong)
     const QList<Case> cases = {
         {{QStringLiteral("--folder"), missing}, 1, "cannot read the folder"},
         {{QStringLiteral("--folder"), folder.filePath(QStringLiteral("one.txt"))}, 1, "cannot read the folder"},
-        {arguments({QStringLiteral("--index"), folder.path()}), 1, "cannot use the index"},
-        {arguments({QStringLiteral("--index"), folder.filePath(QStringLiteral("one.txt"))}), 1, "cannot use the index"},
+        {arguments({QStringLiteral("--index"), QStringLiteral("/")}), 1, "cannot use the index"},
+        {arguments({QStringLiteral("--index"), QStringLiteral("/dev/null/x")}), 1, "cannot use the index"},
         {arguments({QStringLiteral("--write-services"), missing + QStringLiteral("/x")}), 1, "cannot write"},
         {arguments({QStringLiteral("--listen"), QStringLiteral("0.0.0.0")}), 2, "--allow-remote"},
         {arguments({QStringLiteral("--listen"), QStringLiteral("192.0.2.1"), QStringLiteral("--allow-remote")}), 1,

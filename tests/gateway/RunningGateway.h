@@ -4,12 +4,18 @@
 #include "gateway/GatewayServer.h"
 #include "gateway/ServiceDialect.h"
 
+#include <QByteArray>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 #include <httplib.h>
+
+#include <memory>
 
 namespace quarry {
 

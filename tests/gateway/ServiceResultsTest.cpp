@@ -6,6 +6,10 @@
 #include "support/RecordingPauser.h"
 #include "support/SettableClock.h"
 
+#include <QByteArray>
+#include <QString>
+
+#include <map>
 #include <set>
 
 namespace quarry {

@@ -6,6 +6,8 @@
 #include <QFileInfo>
 
 #include <CLI/CLI.hpp>
+#include <cstdio>
+#include <string>
 
 namespace quarry {
 
@@ -81,6 +83,10 @@ std::optional<GatewayOptions> GatewayOptions::fromCommandLine(int argc, char** a
     if (!options.allowRemote && !GatewayServer::isLoopback(options.address)) {
         *status = refuse("other machines can reach that address, and with it every document of the folder; "
                          "add --allow-remote if that is what you want");
+        return std::nullopt;
+    }
+    if (!options.servicesFile.isEmpty() && options.address.contains(u':')) {
+        *status = refuse("--write-services needs a host name or an IPv4 address to listen on");
         return std::nullopt;
     }
     return options;

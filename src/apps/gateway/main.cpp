@@ -5,7 +5,13 @@
 #include "platform/StopSignals.h"
 #include "platform/Terminal.h"
 
+#include <QByteArray>
 #include <QCoreApplication>
+#include <QString>
+
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
 
 namespace {
 
@@ -54,7 +60,9 @@ int serve(const GatewayOptions& options, StopSignals& signals)
     if (!server.start(&error))
         return fail(error);
     if (!options.servicesFile.isEmpty()) {
-        error = writeServicesFile(options.servicesFile, server.host(), server.port());
+        // An address that stands for all of a machine's is none to send a request to.
+        const QByteArray host = server.host() == "0.0.0.0" ? QByteArray("127.0.0.1") : server.host();
+        error = writeServicesFile(options.servicesFile, host, server.port());
         if (!error.isEmpty())
             return fail(error);
     }

@@ -1,15 +1,24 @@
 #include "platform/ContainedFolder.h"
 
+#include <QByteArray>
 #include <QDir>
 #include <QFile>
+#include <QList>
+#include <QString>
 
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
 
 namespace quarry {
 

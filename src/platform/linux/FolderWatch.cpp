@@ -1,6 +1,8 @@
 #include "platform/FolderWatch.h"
 
+#include <QByteArray>
 #include <QFile>
+#include <QString>
 
 #include <sys/inotify.h>
 #include <unistd.h>
