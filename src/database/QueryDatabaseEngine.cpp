@@ -110,7 +110,7 @@ bool QueryDatabaseEngine::Impl::isThrottled()
 DatabaseFile::Saved QueryDatabaseEngine::Impl::saveLocked()
 {
     savingLock = true;
-    const DatabaseFile::Saved saved = file.save(root->get());
+    DatabaseFile::Saved saved = file.save(root->get());
     savingLock = false;
     setLastError(saved.error);
     if (saved.outcome == DatabaseFile::Saving::Done) {
