@@ -44,6 +44,7 @@ TEST(QuarryInput, WrongUseIsStatusTwoAndAWordAboutIt)
         {{u"add"_s, u"a"_s, u"--combine"_s, u"b"_s}, u"not both"_s},
         {{u"add"_s, u"--combine"_s, u"b"_s, u"--combine"_s, u" "_s}, u"a --combine text is empty"_s},
         {{u"add"_s, u"a"_s, u"--words"_s, u"some"_s}, u"must be one of all, phrase, page"_s},
+        {{u"add"_s, u"a"_s, u"--url"_s, u"(open"_s}, u"--url \"(open\": "_s},
         {{u"add-folder"_s, u" "_s}, u"a folder needs a name"_s},
         {{u"show"_s, u""_s}, u"is empty"_s},
         {{u"move"_s, u"a"_s}, u"either --into FOLDER or --top"_s},

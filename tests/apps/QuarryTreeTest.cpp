@@ -64,6 +64,8 @@ TEST(QuarryTree, CommandsSayWhatTheyDidAndTheTreeIsSo)
               {words("disable Küche"), 0, u"Paused 2 queries"_s},
               {words("enable Bed"), 0, u"Enabled 1 query"_s},
               {words("edit Bed --text raised --words all"), 0, u"Changed advanced query \"Bed\""_s},
+              {words("add any --words all --folder Bread"), 0, u"Added query \"any\""_s},
+              {words("remove any"), 0, u"Removed query \"any\""_s},
               {words("remove Küche"), 1, u"is not empty"_s}});
     EXPECT_EQ(withoutIds(runQuarry(home.path(), {u"list"_s}).out),
               QStringLiteral(R"(UNREAD RESULTS  LAST UPDATE       ID        QUERY

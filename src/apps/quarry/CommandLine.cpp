@@ -189,6 +189,10 @@ int CommandLine::run(int argc, char** argv)
         writeOut(outcome.text + u'\n');
     else if (!outcome.ok())
         writeError(QStringLiteral("quarry: ") + outcome.text + u'\n');
+    if (outcome.ok() && !finishOut()) {
+        writeError(QStringLiteral("quarry: the output could not be written\n"));
+        return static_cast<int>(Outcome::Exit::Failed);
+    }
     return static_cast<int>(outcome.exit);
 }
 

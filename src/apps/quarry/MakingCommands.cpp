@@ -2,6 +2,7 @@
 #include "apps/quarry/Json.h"
 #include "apps/quarry/Naming.h"
 #include "apps/quarry/Output.h"
+#include "text/CSRegex.h"
 
 namespace quarry {
 
@@ -59,6 +60,20 @@ NamedNode targetFolder(const QueryCorePtr& root, const std::optional<QString>& n
     return name ? folderNamed(root, *name) : NamedNode{root, {}};
 }
 
+/// An expression that does not compile would end every update of the query without a result.
+Outcome faultOfExpression(const Restrictions& restrictions)
+{
+    if (!restrictions.urlExpression || restrictions.urlExpression->isEmpty())
+        return Outcome::done();
+    try {
+        const CSRegex compiles(*restrictions.urlExpression);
+    } catch (const CSRegexException& fault) {
+        return Outcome::wrongUse(
+            QStringLiteral("--url \"%1\": %2").arg(shown(*restrictions.urlExpression), fault.reason()));
+    }
+    return Outcome::done();
+}
+
 QueryCorePtr newQuery(const Options& options)
 {
     const Restrictions& with = options.restrictions;
@@ -72,8 +87,8 @@ QueryCorePtr newQuery(const Options& options)
         return node;
     }
     const QString text = options.texts.join(u' ').trimmed();
-    return with.any() ? QueryCore::initWithAdvancedQuery(text, words, site, expression)
-                      : QueryCore::initWithQuery(text);
+    const bool isPlain = words == 1 && site.isEmpty() && expression.isEmpty();
+    return isPlain ? QueryCore::initWithQuery(text) : QueryCore::initWithAdvancedQuery(text, words, site, expression);
 }
 
 Outcome add(Session& session, const Options& options)
@@ -85,6 +100,8 @@ Outcome add(Session& session, const Options& options)
         return Outcome::wrongUse(QStringLiteral("a query needs words"));
     if (isAnyBlank(options.combined))
         return Outcome::wrongUse(QStringLiteral("a --combine text is empty"));
+    if (Outcome fault = faultOfExpression(options.restrictions); !fault.ok())
+        return fault;
     return session.edit([&](const QueryCorePtr& root) -> Outcome {
         const NamedNode folder = targetFolder(root, options.folder);
         if (!folder.ok())
@@ -158,6 +175,8 @@ Outcome edit(Session& session, const Options& options)
     const auto hasBlank = [](const QStringList& texts) { return std::any_of(texts.begin(), texts.end(), isBlank); };
     if (hasBlank(options.texts) || hasBlank(options.combined))
         return Outcome::wrongUse(QStringLiteral("a query needs words"));
+    if (Outcome fault = faultOfExpression(options.restrictions); !fault.ok())
+        return fault;
     return session.edit([&](const QueryCorePtr& root) -> Outcome {
         const NamedNode named = nodeNamed(root, options.query);
         if (!named.ok())

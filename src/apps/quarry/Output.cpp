@@ -129,4 +129,9 @@ void writeError(const QString& text)
     write(stderr, text);
 }
 
+bool finishOut()
+{
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+}
+
 } // namespace quarry

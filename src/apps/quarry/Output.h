@@ -36,5 +36,7 @@ namespace quarry {
 /// Bytes to the standard streams, as UTF-8.
 void writeOut(const QString& text);
 void writeError(const QString& text);
+/// Hands everything written to the system. False when some of it could not be written.
+[[nodiscard]] bool finishOut();
 
 } // namespace quarry
