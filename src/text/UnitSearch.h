@@ -31,15 +31,15 @@ private:
 };
 
 /// Eight units that are compared with a single one at once, as a single one would be: one generic test does for both.
-class UnitBlock final {
+class EightUnits final {
 public:
     static constexpr std::ptrdiff_t size = 8;
 
-    explicit UnitBlock(const char16_t* p) { std::memcpy(&_units, p, sizeof(_units)); }
+    explicit EightUnits(const char16_t* p) { std::memcpy(&_units, p, sizeof(_units)); }
 
-    friend UnitMask operator==(const UnitBlock& a, char16_t b) { return UnitMask(a._units == all(b)); }
-    friend UnitMask operator>=(const UnitBlock& a, char16_t b) { return UnitMask(a._units >= all(b)); }
-    friend UnitMask operator<(const UnitBlock& a, char16_t b) { return UnitMask(a._units < all(b)); }
+    friend UnitMask operator==(const EightUnits& a, char16_t b) { return UnitMask(a._units == all(b)); }
+    friend UnitMask operator>=(const EightUnits& a, char16_t b) { return UnitMask(a._units >= all(b)); }
+    friend UnitMask operator<(const EightUnits& a, char16_t b) { return UnitMask(a._units < all(b)); }
 
 private:
     using Lanes [[gnu::vector_size(16)]] = unsigned short;
@@ -53,8 +53,8 @@ private:
 template <typename Test>
 [[nodiscard]] inline const char16_t* findUnit(const char16_t* p, const char16_t* end, Test test)
 {
-    while (end - p >= UnitBlock::size && test(UnitBlock(p)).isEmpty())
-        p += UnitBlock::size;
+    while (end - p >= EightUnits::size && test(EightUnits(p)).isEmpty())
+        p += EightUnits::size;
     while (p != end && !test(*p))
         ++p;
     return p;
@@ -69,8 +69,8 @@ template <typename Test>
 template <typename Test>
 [[nodiscard]] inline const char16_t* findUnitPair(const char16_t* p, const char16_t* end, Test test)
 {
-    while (end - p >= UnitBlock::size && test(UnitBlock(p), UnitBlock(p - 1)).isEmpty())
-        p += UnitBlock::size;
+    while (end - p >= EightUnits::size && test(EightUnits(p), EightUnits(p - 1)).isEmpty())
+        p += EightUnits::size;
     while (p != end && !test(*p, p[-1]))
         ++p;
     return p;
