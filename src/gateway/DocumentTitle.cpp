@@ -2,6 +2,7 @@
 
 #include "gateway/HtmlText.h"
 
+#include <QByteArrayView>
 #include <QString>
 
 #include <algorithm>
@@ -78,6 +79,13 @@ QByteArray headingOf(const QByteArray& text)
     return {};
 }
 
+/// Titles stand near the beginning; the rest of a long page need not be gone through for one.
+QByteArrayView headOf(const QByteArray& text)
+{
+    constexpr qsizetype longestHead = qsizetype(64) * 1024;
+    return QByteArrayView(text).first(std::min(longestHead, text.size()));
+}
+
 QByteArray nameOf(const QByteArray& path)
 {
     const qsizetype slash = path.lastIndexOf('/');
@@ -105,8 +113,9 @@ QByteArray shortened(const QByteArray& title)
 
 QByteArray documentTitle(const Document& document, const QByteArray& path)
 {
-    QByteArray title = document.kind == Document::Kind::Html ? collapsed(HtmlText::fromPage(document.text).title)
-                                                             : headingOf(document.text);
+    QByteArray title = document.kind == Document::Kind::Html
+                           ? collapsed(HtmlText::fromPage(headOf(document.text)).title)
+                           : headingOf(document.text);
     if (!hasLetters(title))
         title = collapsed(QString::fromUtf8(nameOf(path)).toUtf8()); // A name need not be UTF-8.
     return title.isEmpty() ? QByteArrayLiteral("document") : shortened(title);

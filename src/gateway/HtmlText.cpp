@@ -6,6 +6,7 @@
 #include <QList>
 #include <QString>
 
+#include <algorithm>
 #include <cctype>
 
 namespace quarry {
@@ -83,14 +84,14 @@ void appendText(QByteArray& to, QByteArrayView text)
 {
     constexpr qsizetype longestName = 10;
     for (qsizetype at = 0; at < text.size(); ++at) {
-        const qsizetype end = text[at] == '&' ? text.indexOf(';', at) : -1;
-        const QByteArray decoded =
-            end > at + 1 && end - at <= longestName ? entity(text.sliced(at + 1, end - at - 1)) : QByteArray();
+        const qsizetype length =
+            text[at] == '&' ? text.sliced(at).first(std::min(text.size() - at, longestName + 2)).indexOf(';') : -1;
+        const QByteArray decoded = length > 1 ? entity(text.sliced(at + 1, length - 1)) : QByteArray();
         if (decoded.isEmpty()) {
             to += text[at];
         } else {
             to += decoded;
-            at = end;
+            at += length;
         }
     }
 }

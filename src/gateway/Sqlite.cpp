@@ -6,10 +6,18 @@
 
 namespace quarry {
 
-SqliteError::SqliteError(sqlite3* database, int code)
-    : std::runtime_error(database != nullptr ? sqlite3_errmsg(database) : sqlite3_errstr(code))
+namespace {
+
+const char* reasonOf(sqlite3* database, int code)
 {
+    if (code == SQLITE_BUSY)
+        return "another program is using it";
+    return database != nullptr ? sqlite3_errmsg(database) : sqlite3_errstr(code);
 }
+
+} // namespace
+
+SqliteError::SqliteError(sqlite3* database, int code) : std::runtime_error(reasonOf(database, code)) {}
 
 SqliteStatement::SqliteStatement(sqlite3* database, const char* sql) : _database(database)
 {
