@@ -1,5 +1,7 @@
 #include "platform/ChildProgram.h"
 
+#include "platform/linux/Descriptor.h"
+
 #include <QFile>
 
 #include <fcntl.h>
@@ -59,23 +61,6 @@ public:
 
 private:
     std::array<struct sigaction, PassedOn.size()> _before = {};
-};
-
-class Descriptor final {
-public:
-    explicit Descriptor(int fd) : _fd(fd) {}
-    ~Descriptor() { close(); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    [[nodiscard]] int get() const { return _fd; }
-    void close()
-    {
-        if (_fd >= 0)
-            ::close(std::exchange(_fd, -1));
-    }
-
-private:
-    int _fd;
 };
 
 QString systemError(int code)

@@ -1,5 +1,7 @@
 #include "platform/ContainedFolder.h"
 
+#include "platform/linux/Descriptor.h"
+
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
@@ -23,31 +25,6 @@
 namespace quarry {
 
 namespace {
-
-/// A file descriptor that closes itself.
-class Descriptor final {
-public:
-    explicit Descriptor(int value) : _value(value) {}
-    Descriptor(Descriptor&& other) noexcept : _value(std::exchange(other._value, -1)) {}
-    Descriptor& operator=(Descriptor&& other) noexcept
-    {
-        std::swap(_value, other._value);
-        return *this;
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor()
-    {
-        if (_value >= 0)
-            ::close(_value);
-    }
-    [[nodiscard]] int get() const { return _value; }
-    [[nodiscard]] int release() { return std::exchange(_value, -1); }
-    [[nodiscard]] bool isOpen() const { return _value >= 0; }
-
-private:
-    int _value;
-};
 
 struct DirectoryCloser {
     void operator()(DIR* directory) const { ::closedir(directory); }

@@ -1,6 +1,7 @@
 #include "platform/FileStore.h"
 #include "platform/LargePages.h"
 #include "platform/SystemLog.h"
+#include "platform/linux/Descriptor.h"
 
 #include <QFile>
 #include <QUuid>
@@ -38,21 +39,6 @@ std::optional<FileStamp> stampOfOpenFile(int descriptor)
     struct stat status {};
     return ::fstat(descriptor, &status) == 0 ? std::optional(stampOf(status)) : std::nullopt;
 }
-
-class Descriptor final {
-public:
-    explicit Descriptor(int descriptor) : _descriptor(descriptor) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { close(); }
-    [[nodiscard]] int get() const { return _descriptor; }
-    [[nodiscard]] bool isOpen() const { return _descriptor >= 0; }
-    /// False when the file system reports a fault only now, as network file systems do.
-    bool close() { return _descriptor < 0 || ::close(std::exchange(_descriptor, -1)) == 0; }
-
-private:
-    int _descriptor;
-};
 
 int openRetrying(const QByteArray& path, int flags, mode_t mode = 0)
 {
