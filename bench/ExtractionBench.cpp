@@ -75,7 +75,7 @@ bool measure(SearchService service, qsizetype size)
                 qPrintable(searchServiceName(service)), megabytes * 1e3, static_cast<long long>(scanned.size()),
                 median(ours) * 1e3, megabytes / median(ours), median(theirs) * 1e3, megabytes / median(theirs),
                 median(theirs) / median(ours));
-    return found == 2 * Runs * scanned.size();
+    return found == scanned.size() * 2 * Runs;
 }
 
 } // namespace

@@ -26,7 +26,7 @@ Expression compiled(const char* expression)
 QString contentOf(xmlNode* node)
 {
     xmlChar* content = xmlNodeGetContent(node);
-    const QString text = QString::fromUtf8(reinterpret_cast<const char*>(content));
+    QString text = QString::fromUtf8(reinterpret_cast<const char*>(content));
     xmlFree(content);
     return text;
 }
@@ -54,8 +54,9 @@ TreeExtraction::TreeExtraction(SearchService service) : _service(service)
 {
     switch (service) {
     case SearchService::Google:
-        _expressions.reset(new Expressions{compiled("//div[@id='res']//li[@class='g']"), compiled(".//h3[@class='r']"),
-                                           compiled(".//h3[@class='r']//a/@href"), compiled(".//div[@class='s']")});
+        _expressions = std::make_unique<Expressions>(
+            Expressions{compiled("//div[@id='res']//li[@class='g']"), compiled(".//h3[@class='r']"),
+                        compiled(".//h3[@class='r']//a/@href"), compiled(".//div[@class='s']")});
         break;
     case SearchService::Yahoo:
         _expressions.reset(
@@ -63,13 +64,14 @@ TreeExtraction::TreeExtraction(SearchService service) : _service(service)
                             compiled(".//a[@class='yschttl spt']/@href"), compiled(".//div[@class='abstr']")});
         break;
     case SearchService::Bing:
-        _expressions.reset(new Expressions{compiled("//div[@id='results_container']//div[@class='sa_cc']"),
-                                           compiled(".//div[@class='sb_tlst']"),
-                                           compiled(".//div[@class='sb_tlst']//a/@href"), compiled(".//p")});
+        _expressions = std::make_unique<Expressions>(Expressions{
+            compiled("//div[@id='results_container']//div[@class='sa_cc']"), compiled(".//div[@class='sb_tlst']"),
+            compiled(".//div[@class='sb_tlst']//a/@href"), compiled(".//p")});
         break;
     default:
-        _expressions.reset(new Expressions{compiled("//div[@class='result']"), compiled(".//a[@id]"),
-                                           compiled(".//a[@id]/@href"), compiled(".//p[@class='desc']")});
+        _expressions =
+            std::make_unique<Expressions>(Expressions{compiled("//div[@class='result']"), compiled(".//a[@id]"),
+                                                      compiled(".//a[@id]/@href"), compiled(".//p[@class='desc']")});
     }
 }
 

@@ -12,8 +12,8 @@ namespace {
 /// Places in an order from rare to common in the markup of result pages, roughly. Rare characters make good anchors.
 constexpr auto commonness = [] {
     constexpr char16_t RarestFirst[] = u"!|@$zqjxyvw_gfbmuhp-d0123456789;:.,lcrnoiat='\"<>/e ";
-    std::array<signed char, 128> places{};
-    for (signed char place = 0; RarestFirst[place] != 0; ++place)
+    std::array<unsigned char, 128> places{};
+    for (unsigned char place = 0; RarestFirst[place] != 0; ++place)
         places[RarestFirst[place]] = place;
     return places;
 }();

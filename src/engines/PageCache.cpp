@@ -21,7 +21,7 @@ constexpr double CredibleFutureSeconds = 86400.0;
 constexpr qint64 MaximumFileSize = 64 << 20;
 constexpr unsigned FileMode = 0660;
 
-const QString& datesKey()
+const QString& dateKey()
 {
     static const QString key = QStringLiteral("cacheDateKey");
     return key;
@@ -65,9 +65,10 @@ bool isCacheFile(const QFileInfo& file)
 
 QByteArray smallFile(const QString& path)
 {
+    // Opening a pipe would wait for its writer.
     QFile file(path);
-    const bool isReadable = file.open(QIODevice::ReadOnly) && !file.isSequential() && file.size() <= MaximumFileSize;
-    return isReadable ? file.readAll() : QByteArray();
+    const bool isReadable = QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly);
+    return isReadable && file.size() <= MaximumFileSize ? file.read(MaximumFileSize) : QByteArray();
 }
 
 /// A page's file is made in place: one that is cut short is no page, and is fetched again.
@@ -108,7 +109,7 @@ void PageCache::readIndex(Date now)
     if (!QFileInfo::exists(path))
         return;
     const PlistValue index = unarchivedValue(smallFile(path)).value_or(PlistValue());
-    _started = Date(index[datesKey()].real().value_or(0.0));
+    _started = Date(index[dateKey()].real().value_or(0.0));
     if (isStale(*_started, now)) {
         removeFiles();
         _started.reset();
@@ -173,7 +174,7 @@ void PageCache::close(Date now)
     PlistValue::Dictionary names;
     for (auto entry = _names.begin(); entry != _names.end(); ++entry)
         names.insert(entry.key(), entry.value());
-    const PlistValue::Dictionary index{{datesKey(), _started.value_or(now).secondsSinceReference()},
+    const PlistValue::Dictionary index{{dateKey(), _started.value_or(now).secondsSinceReference()},
                                        {namesKey(), names}};
     const auto written =
         _files.replace(_folder + QLatin1String("/Cache.qsidx"), temporaryPrefix(), FileMode, archivedData(index));

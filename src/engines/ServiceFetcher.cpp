@@ -3,6 +3,8 @@
 #include "engines/PageCache.h"
 #include "engines/PageExtraction.h"
 
+#include <algorithm>
+
 namespace quarry {
 
 namespace {
@@ -10,6 +12,8 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr qint64 PageSize = 10;
+/// No service shows that many results. A mistyped preference must not keep a refresh busy for days.
+constexpr qint64 MaximumResults = 10000;
 
 /// How each service is asked. What is read out of its pages: PageExtraction.cpp.
 struct AskingRules {
@@ -39,7 +43,8 @@ public:
     FetchOutcome run()
     {
         _outcome.records.emplace();
-        for (qint64 start = 0; start < _parts.resultsPerEngine && !_outcome.stopped; start += PageSize) {
+        const qint64 limit = std::min(_parts.resultsPerEngine, MaximumResults);
+        for (qint64 start = 0; start < limit && !_outcome.stopped; start += PageSize) {
             _outcome.stopped = _parts.pauser.isStopped() || !pause(_rules.pauseBeforePage);
             if (!_outcome.stopped)
                 askPage(start);

@@ -60,7 +60,8 @@ public:
         TextLookup lookup;
         /// The folder of all page caches; empty: nothing is cached.
         QString cachesFolder;
-        /// "pref_umberOfResultPerEngine": pages are asked at offsets 0, 10, 20, ... below it.
+        /// "pref_umberOfResultPerEngine": pages are asked at offsets 0, 10, 20, ... below it, and below
+        /// 10,000.
         qint64 resultsPerEngine = 40;
     };
 

@@ -66,7 +66,8 @@ TEST(QueryUpdate, AsksTheServicesThatTheKindOfQueryCallsForWithItsText)
             const QByteArray& request = requests[static_cast<std::size_t>(i)];
             EXPECT_TRUE(request.endsWith(c.ends[i])) << c.name << ": " << request.constData();
             const bool asksIxquick = c.ends.contains("&query=a%20b") || c.node->kind() == QueryKind::Plain;
-            EXPECT_EQ(test::serviceOf(request), inOrder[static_cast<std::size_t>(i) % (asksIxquick ? 4U : 3U)]) << c.name;
+            EXPECT_EQ(test::serviceOf(request), inOrder[static_cast<std::size_t>(i) % (asksIxquick ? 4U : 3U)])
+                << c.name;
         }
         EXPECT_EQ(c.node->date(), rig.clock.now()) << c.name;
     }

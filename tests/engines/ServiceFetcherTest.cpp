@@ -31,9 +31,8 @@ class ServiceFetcherTest : public ::testing::Test {
 protected:
     ServiceFetcher fetcher(const QString& query = u"sextant"_qs, const QString& uuid = u"AB-12"_qs)
     {
-        return ServiceFetcher(
-            {_loader, _pauser, _clock, _files, [](const QString& key) { return key; }, _home->cachesFolder(), _limit},
-            query, uuid);
+        const TextLookup keys = [](const QString& key) { return key; };
+        return ServiceFetcher({_loader, _pauser, _clock, _files, keys, _home->cachesFolder(), _limit}, query, uuid);
     }
     FetchOutcome ask(SearchService service = SearchService::Google, const QString& query = u"sextant"_qs)
     {
@@ -44,11 +43,6 @@ protected:
     [[nodiscard]] PlistValue index() const
     {
         return unarchivedValue(test::contentOf(cacheFolder().filePath(u"Cache.qsidx"_qs))).value_or(PlistValue());
-    }
-    void writeIndex(const PlistValue& value) const
-    {
-        ASSERT_TRUE(cacheFolder().mkpath(u"."_qs));
-        ASSERT_TRUE(test::writeFile(cacheFolder().filePath(u"Cache.qsidx"_qs), archivedData(value)));
     }
     std::size_t requestsOf(int times)
     {
@@ -64,7 +58,12 @@ protected:
     test::FailingFileStore _files;
     QByteArray _body = googlePage(googleItem("One", "one.example") + googleItem("<b></b> ", "blank.example") +
                                   googleItem("Two", "two.example"));
-    test::FakePageLoader _loader{[this](const QByteArray&) { return test::FakePageLoader::page(_body); }};
+    QString _contentType = u"text/html"_qs;
+    QByteArray _failing = "no address";
+    test::FakePageLoader _loader{[this](const QByteArray& address) {
+        return address.contains(_failing) ? test::FakePageLoader::failure(u"HTTP status 503"_qs, 503)
+                                          : test::FakePageLoader::page(_body, _contentType);
+    }};
     qint64 _limit = 15;
 };
 
@@ -135,18 +134,11 @@ TEST_F(ServiceFetcherTest, PausesAsEachServiceWants)
 
 TEST_F(ServiceFetcherTest, LeavesOutAPageThatFails)
 {
-    test::FakePageLoader loader([this](const QByteArray& address) {
-        return address.contains("s=0") ? test::FakePageLoader::failure(u"HTTP status 503"_qs, 503)
-                                       : test::FakePageLoader::page(_body);
-    });
-    ServiceFetcher failing(
-        {loader, _pauser, _clock, _files, [](const QString& key) { return key; }, _home->cachesFolder(), _limit},
-        u"sextant"_qs, u"AB-12"_qs);
-    const FetchOutcome outcome = failing.updateGoogle(u"http://service/?s=^start_"_qs);
+    _failing = "s=0";
+    const FetchOutcome outcome = ask();
     ASSERT_EQ(outcome.records->size(), 2);
     EXPECT_EQ(outcome.records->first().rank(), 1);
     EXPECT_EQ(outcome.pages.first().error, u"HTTP status 503");
-    EXPECT_EQ(outcome.pages.first().httpStatus, 503);
     EXPECT_EQ(outcome.pages.first().source, PageFacts::Source::Nowhere);
     EXPECT_EQ(cachedPages().size(), 1) << "what failed is not kept";
     EXPECT_EQ(_pauser.pauses().size(), 2U) << "a failed request was a request";
@@ -236,8 +228,9 @@ TEST_F(ServiceFetcherTest, IsNotLedOutOfTheFolderByNames)
     PlistValue::Dictionary names;
     for (const int start : {0, 10})
         names.insert(u"http://service/search?s=%1&q=a%26b"_qs.arg(start), u"../outside"_qs);
-    writeIndex(
-        PlistValue::Dictionary{{u"cacheDateKey"_qs, _clock.now().secondsSinceReference()}, {u"cacheKey"_qs, names}});
+    const PlistValue hostile =
+        PlistValue::Dictionary{{u"cacheDateKey"_qs, _clock.now().secondsSinceReference()}, {u"cacheKey"_qs, names}};
+    ASSERT_TRUE(test::writeFile(cacheFolder().filePath(u"Cache.qsidx"_qs), archivedData(hostile)));
     EXPECT_EQ(requestsOf(1), 2U);
     EXPECT_TRUE(QFile::exists(outside));
 
@@ -251,19 +244,16 @@ TEST_F(ServiceFetcherTest, IsNotLedOutOfTheFolderByNames)
 
 TEST_F(ServiceFetcherTest, KeepsThePagesTextAndEncoding)
 {
+    _limit = 5;
+    _contentType = u"text/html; charset=ISO-8859-1"_qs;
     _body = googlePage("<li class=\"g\"><h3 class=\"r\"><a href=\"http://a.example/\">Caf\xE9</a></h3>"
                        "<div class=\"s\">Le caf\xE9</div></li>");
-    test::FakePageLoader latin(
-        [this](const QByteArray&) { return test::FakePageLoader::page(_body, u"text/html; charset=ISO-8859-1"_qs); });
-    ServiceFetcher reader(
-        {latin, _pauser, _clock, _files, [](const QString& key) { return key; }, _home->cachesFolder(), 5},
-        u"sextant"_qs, u"AB-12"_qs);
-    for (int i = 0; i < 2; ++i) {
-        const FetchOutcome outcome = reader.updateGoogle(u"http://service/?s=^start_"_qs);
+    for (const auto source : {PageFacts::Source::Network, PageFacts::Source::Cache}) {
+        const FetchOutcome outcome = ask();
+        EXPECT_EQ(outcome.pages.first().source, source);
         EXPECT_EQ(outcome.records->first().title(), u"Caf\u00E9");
         EXPECT_EQ(outcome.records->first().textFromPage(), u"100_No description") << "no UTF-8 when read again";
     }
-    EXPECT_EQ(latin.requests().size(), 1U);
 }
 
 } // namespace
