@@ -1,9 +1,7 @@
 #include "text/CSRegex.h"
 
+#include "platform/PosixRegex.h"
 #include "text/RegexLimits.h"
-
-#include <locale.h>
-#include <regex.h>
 
 #include <array>
 #include <new>
@@ -11,23 +9,6 @@
 namespace quarry {
 
 namespace {
-
-/// The calling thread's locale while it lives: C.UTF-8, so that answers are the same in every process.
-class Utf8Locale final {
-public:
-    Utf8Locale() : _previous(uselocale(shared())) {}
-    ~Utf8Locale() { uselocale(_previous); }
-    Utf8Locale(const Utf8Locale&) = delete;
-    Utf8Locale& operator=(const Utf8Locale&) = delete;
-
-private:
-    static locale_t shared()
-    {
-        static const locale_t locale = newlocale(LC_ALL_MASK, "C.UTF-8", nullptr);
-        return locale;
-    }
-    locale_t _previous;
-};
 
 /// The C library's code as the product numbers it.
 int productCode(int libraryCode)
@@ -40,13 +21,6 @@ int productCode(int libraryCode)
     default:
         return libraryCode;
     }
-}
-
-int libraryOptions(int options)
-{
-    return REG_EXTENDED | ((options & CSRegex::IgnoreCase) != 0 ? REG_ICASE : 0) |
-           ((options & CSRegex::NoSubexpressions) != 0 ? REG_NOSUB : 0) |
-           ((options & CSRegex::NewlineSensitive) != 0 ? REG_NEWLINE : 0);
 }
 
 std::function<QString(const QString&)>& messageLookup()
@@ -74,11 +48,14 @@ CSRegexException::CSRegexException(int code, QString reason)
 
 CSRegexRangeException::CSRegexRangeException(QString reason) : _reason(std::move(reason)), _utf8(_reason.toUtf8()) {}
 
+static_assert(int(CSRegex::IgnoreCase) == PosixRegex::IgnoreCase &&
+              int(CSRegex::NoSubexpressions) == PosixRegex::NoSubexpressions &&
+              int(CSRegex::NewlineSensitive) == PosixRegex::NewlineSensitive);
+
 struct CSRegex::Compiled {
     QString pattern;
-    regex_t preg = {};
-    bool compiled = false;
-    std::vector<regmatch_t> matches;
+    std::unique_ptr<PosixRegex> regex;
+    std::vector<PosixRegex::Range> matches;
     ByteRange matchrange;
     QByteArray currdata;
 
@@ -87,19 +64,12 @@ struct CSRegex::Compiled {
         const QByteArray bytes = text.toUtf8();
         if (const QString excess = RegexLimits::excess(bytes); !excess.isEmpty())
             raise(static_cast<int>(RegexError::OutOfMemory), excess);
-        const Utf8Locale locale;
-        if (const int code = regcomp(&preg, bytes.constData(), libraryOptions(options)); code != 0)
-            raise(productCode(code));
-        compiled = true;
-        matches.resize(preg.re_nsub + 1);
+        int error = 0;
+        regex = PosixRegex::compile(bytes, options, error);
+        if (!regex)
+            raise(productCode(error));
+        matches.resize(regex->groupCount() + 1);
     }
-    ~Compiled()
-    {
-        if (compiled)
-            regfree(&preg);
-    }
-    Compiled(const Compiled&) = delete;
-    Compiled& operator=(const Compiled&) = delete;
 };
 
 CSRegex::CSRegex(const QString& pattern, int options) : _compiled(std::make_unique<Compiled>(pattern, options)) {}
@@ -138,14 +108,12 @@ void CSRegex::beginMatchingData(const QByteArray& bytes, ByteRange range)
 bool CSRegex::matchNext()
 {
     Compiled& c = *_compiled;
-    c.matches[0].rm_so = static_cast<regoff_t>(c.matchrange.location);
-    c.matches[0].rm_eo = static_cast<regoff_t>(c.matchrange.location + c.matchrange.length);
-    const Utf8Locale locale;
-    if (regexec(&c.preg, c.currdata.constData(), c.matches.size(), c.matches.data(), REG_STARTEND) != 0) {
+    const qsizetype begin = c.matchrange.location;
+    if (!c.regex->match(c.currdata, {begin, begin + c.matchrange.length}, c.matches)) {
         finishMatching();
         return false;
     }
-    const qsizetype end = c.matches[0].rm_eo;
+    const qsizetype end = c.matches[0].end;
     c.matchrange.length -= end - c.matchrange.location;
     c.matchrange.location = end;
     return true;
@@ -160,19 +128,19 @@ void CSRegex::finishMatching()
 std::optional<QString> CSRegex::stringForMatch(int n) const
 {
     const Compiled& c = *_compiled;
-    if (n < 0 || static_cast<std::size_t>(n) > c.preg.re_nsub)
+    if (n < 0 || static_cast<std::size_t>(n) > c.regex->groupCount())
         throw CSRegexRangeException(QStringLiteral("Index %1 out of range for regex \"").arg(n) + c.pattern +
                                     QLatin1Char('"'));
-    const regmatch_t& match = c.matches[static_cast<std::size_t>(n)];
-    if ((match.rm_so == -1 && match.rm_eo == -1) || match.rm_eo > c.currdata.size())
+    const PosixRegex::Range& match = c.matches[static_cast<std::size_t>(n)];
+    if ((match.begin == -1 && match.end == -1) || match.end > c.currdata.size())
         return std::nullopt;
-    return QString::fromUtf8(c.currdata.constData() + match.rm_so, match.rm_eo - match.rm_so);
+    return QString::fromUtf8(c.currdata.constData() + match.begin, match.end - match.begin);
 }
 
 QStringList CSRegex::allMatches() const
 {
     QStringList texts;
-    for (std::size_t i = 0; i <= _compiled->preg.re_nsub; ++i)
+    for (std::size_t i = 0; i <= _compiled->regex->groupCount(); ++i)
         texts.append(stringForMatch(static_cast<int>(i)).value_or(null()));
     return texts;
 }
@@ -228,9 +196,9 @@ QStringList CSRegex::componentsOfSeparatedString(const QString& text)
     qsizetype start = 0;
     beginMatchingData(bytes);
     while (matchNext()) {
-        const regmatch_t& match = _compiled->matches[0];
-        pieces.append(QString::fromUtf8(bytes.constData() + start, match.rm_so - start));
-        start = match.rm_eo;
+        const PosixRegex::Range& match = _compiled->matches[0];
+        pieces.append(QString::fromUtf8(bytes.constData() + start, match.begin - start));
+        start = match.end;
     }
     pieces.append(QString::fromUtf8(bytes.constData() + start, bytes.size() - start));
     finishMatching();
@@ -244,7 +212,7 @@ const QString& CSRegex::pattern() const
 
 std::size_t CSRegex::subexpressionCount() const
 {
-    return _compiled->preg.re_nsub;
+    return _compiled->regex->groupCount();
 }
 
 void CSRegex::setMessageLookup(std::function<QString(const QString&)> lookup)
