@@ -35,6 +35,8 @@ struct DescriptionRules {
 /// What differs from service to service: where results area, items and the pieces of an item are found. A function
 /// that finds nothing returns an empty text.
 struct ServiceRules {
+    /// The results area's id; a page without any has it nowhere. Empty: the whole page is the area.
+    QStringView areaName;
     Text (*resultsArea)(const ScanCopy& page);
     QList<QStringView> (*items)(const ScanCopy& area);
     QStringView (*title)(const ScanCopy& item, const ItemPlace& place);
@@ -63,6 +65,7 @@ Text googleArea(const ScanCopy& page)
 }
 
 constexpr ServiceRules Google = {
+    .areaName = u"res",
     .resultsArea = googleArea,
     .items = [](const ScanCopy& area) { return contentsOfTagWithClass(u"li", u"g", area, true); },
     .title = [](const ScanCopy& item,
@@ -83,6 +86,7 @@ QStringView yahooLink(const ScanCopy& item, const ScanCopy&, const ItemPlace&)
 }
 
 constexpr ServiceRules Yahoo = {
+    .areaName = u"web",
     .resultsArea = [](const ScanCopy& page) { return divNamed(u"web", page); },
     .items = [](const ScanCopy& area) { return contentsOfTagWithClass(u"div", u"res", area, true); },
     .title = [](const ScanCopy& item,
@@ -93,6 +97,7 @@ constexpr ServiceRules Yahoo = {
 };
 
 constexpr ServiceRules Bing = {
+    .areaName = u"results_container",
     .resultsArea = [](const ScanCopy& page) { return divNamed(u"results_container", page); },
     .items = [](const ScanCopy& area) { return contentsOfTagWithClass(u"div", u"sa_cc", area, true); },
     .title = [](const ScanCopy& item,
@@ -117,6 +122,7 @@ QStringView ixquickTitle(const ScanCopy& item, const ItemPlace& place)
 }
 
 constexpr ServiceRules Ixquick = {
+    .areaName = {},
     .resultsArea = [](const ScanCopy& page) { return Text(page.text()); },
     .items = extractIxquickFromPage,
     .title = ixquickTitle,
@@ -199,9 +205,11 @@ ExtractedPage extractPage(SearchService service, DecodedPage page, qint64 start,
         return extracted;
     const ScanCopy copy(std::move(page.text));
     const Text areaText = rules->resultsArea(copy);
+    // An area that is empty, or stands there too often, is still one.
+    extracted.hasResultsArea =
+        areaText || copy.text().contains(QString(u'"').append(rules->areaName).append(u'"'), Qt::CaseInsensitive);
     if (!areaText)
         return extracted;
-    extracted.hasResultsArea = true;
 
     const ScanCopy area = copy.part(*areaText);
     qint64 index = -1;

@@ -27,7 +27,7 @@ struct FoundLink {
 
 /// What one result page holds.
 struct ExtractedPage {
-    bool hasResultsArea = false;
+    bool hasResultsArea = false; ///< Or several, or an empty one.
     int items = 0; ///< Result elements, those that hold no link included.
     QList<FoundLink> links;
 };

@@ -22,10 +22,21 @@ bool hasWebsite(const QueryFields& query)
     return !query._websiteRestriction.value_or(QString()).isEmpty();
 }
 
+/// Why nothing can have come of the pages, although they were had; empty when something could.
+QString faultOf(const QList<PageFacts>& pages)
+{
+    for (const PageFacts& page : pages) {
+        if (page.source == PageFacts::Source::Nowhere || page.hasResultsArea)
+            return {};
+    }
+    return pages.isEmpty() ? QString() : QStringLiteral("its pages hold no list of results");
+}
+
 ServiceFacts factsOf(const FetchOutcome& outcome)
 {
     ServiceFacts facts;
     facts.results = outcome.records ? outcome.records->size() : 0;
+    facts.error = faultOf(outcome.pages);
     for (const PageFacts& page : outcome.pages) {
         ++facts.pages;
         facts.cachedPages += page.source == PageFacts::Source::Cache;

@@ -18,7 +18,9 @@ struct ServiceFacts {
     int pages = 0;         ///< Pages asked for.
     int cachedPages = 0;   ///< Of these, from the page cache.
     int failedPages = 0;   ///< Of these, could not be had.
-    QString error;         ///< Why the first of those could not: one line for a person; else empty.
+    /// Why the first of those could not, or why none of the others can have brought anything: one line for a person;
+    /// else empty.
+    QString error;
 
     /// Pages were asked for and none could be had.
     [[nodiscard]] bool isFailure() const { return pages > 0 && failedPages == pages; }

@@ -147,12 +147,16 @@ TEST(QueryUpdate, ASourceThatFailsCostsOnlyItsOwnResults)
     UpdateRig rig;
     rig.results[Yahoo] = {u"http://h/y"_qs};
     rig.down = {Google};
+    rig.strange = {Bing};
     const QueryCorePtr node = rig.addPlain(u"a"_qs);
     rig.update(node);
     EXPECT_EQ(rig.lastFacts().end, UpdateEnd::Updated);
     EXPECT_EQ(node->results()->size(), 1);
     EXPECT_TRUE(rig.answered[Google].isFailure());
     EXPECT_EQ(rig.answered[Google].error, u"connection refused"_qs);
+    EXPECT_FALSE(rig.answered[Bing].isFailure());
+    EXPECT_EQ(rig.answered[Bing].error, u"its pages hold no list of results"_qs);
+    EXPECT_EQ(rig.answered[Yahoo].error, QString());
 
     rig.down = {Google, Yahoo, Bing, Ixquick};
     rig.clock.advance(1000);

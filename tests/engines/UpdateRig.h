@@ -25,6 +25,8 @@ struct UpdateRig final : UpdateObserver {
     std::map<SearchService, QStringList> results;
     /// Services that refuse connections.
     std::set<SearchService> down;
+    /// Services whose pages are something else.
+    std::set<SearchService> strange;
     /// Called before each answer; set before any update starts.
     std::function<void(const QByteArray& address)> onLoad;
     FakePageLoader loader{[this](const QByteArray& address) { return answer(address); }};
@@ -104,6 +106,8 @@ private:
         const SearchService service = serviceOf(address).value();
         if (down.count(service) != 0)
             return FakePageLoader::failure(QStringLiteral("connection refused"));
+        if (strange.count(service) != 0)
+            return FakePageLoader::page("<html><body>Under construction</body></html>");
         const auto found = results.find(service);
         return FakePageLoader::page(resultPage(service, found == results.end() ? QStringList() : found->second));
     }
