@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 
 namespace quarry {
@@ -23,12 +24,16 @@ bool hasLetters(const QByteArray& line)
            }) >= 2;
 }
 
-/// "Format: 1.0", "-*- mode -*-", "#!/bin/sh", ".. include::": what programs read, not people.
+/// "#!/bin/sh", "-*- mode -*-", ".. include::", "<?xml": what programs read, not people.
 bool isMachineLine(const QByteArray& line)
 {
-    if (line.startsWith("#!") || line.startsWith("-*-") || line.startsWith("..") || line.startsWith("<!") ||
-        line.startsWith("/*"))
-        return true;
+    constexpr std::array<const char*, 5> beginnings = {"#!", "-*-", "..", "<", "/*"};
+    return std::any_of(beginnings.begin(), beginnings.end(), [&](const char* begin) { return line.startsWith(begin); });
+}
+
+/// "Format: 1.0"
+bool isField(const QByteArray& line)
+{
     const qsizetype colon = line.indexOf(':');
     const qsizetype space = line.indexOf(' ');
     return colon > 0 && (space < 0 || space > colon);
@@ -68,13 +73,15 @@ QByteArray headingOf(const QByteArray& text)
         const qsizetype feed = text.indexOf('\n', begin);
         const qsizetype end = feed < 0 ? text.size() : feed;
         const QByteArray line = collapsed(text.mid(begin, std::min<qsizetype>(end - begin, 4 * longestTitle)));
-        // Only a text that begins with fields has none of its lines for a title.
-        if (isMachineLine(line) && !line.startsWith("#!") && line.indexOf(':') > 0)
+        begin = end + 1;
+        if (isMachineLine(line))
+            continue;
+        // None of the lines of a text that begins with fields is its title.
+        if (isField(line))
             return {};
         QByteArray heading = withoutLinks(withoutHeadingMarks(line));
-        if (!isMachineLine(line) && hasLetters(heading))
+        if (hasLetters(heading))
             return heading;
-        begin = end + 1;
     }
     return {};
 }
@@ -116,7 +123,8 @@ QByteArray documentTitle(const Document& document, const QByteArray& path)
     QByteArray title = document.kind == Document::Kind::Html
                            ? collapsed(HtmlText::fromPage(headOf(document.text)).title)
                            : headingOf(document.text);
-    if (!hasLetters(title))
+    // Whoever reads result pages takes out what looks like a tag: a title that is one would leave nothing.
+    if (!hasLetters(title) || title.startsWith('<'))
         title = collapsed(QString::fromUtf8(nameOf(path)).toUtf8()); // A name need not be UTF-8.
     return title.isEmpty() ? QByteArrayLiteral("document") : shortened(title);
 }

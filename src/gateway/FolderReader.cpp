@@ -21,13 +21,14 @@ bool isHidden(const QByteArray& path)
 }
 
 /// File systems date a change only to some milliseconds: a file that was written just now may be written once more
-/// without its stamp telling. Such a stamp is made unlike any other, so that the next look reads the file again.
+/// without its stamp telling. Such a stamp is made unlike any file's, which never have the inode 0, so that the next
+/// look reads the file again.
 FileStamp lastingStamp(FileStamp stamp)
 {
     constexpr std::chrono::nanoseconds coarsestClock = std::chrono::seconds(2);
     const std::chrono::nanoseconds now = std::chrono::system_clock::now().time_since_epoch();
     if (now.count() - stamp.modifiedNanoseconds < coarsestClock.count())
-        stamp.modifiedNanoseconds = -1;
+        stamp.inode = 0;
     return stamp;
 }
 
@@ -112,7 +113,9 @@ void FolderReader::readTreeAgain(const QByteArray& folder)
 
 void FolderReader::readTree(const QByteArray& folder, std::set<QByteArray>& seen)
 {
-    if (isHidden(folder))
+    // Beyond what the system takes as a path there is nothing a person put there.
+    constexpr qsizetype longestPath = 4000;
+    if (isHidden(folder) || folder.size() > longestPath)
         return;
     // Watched before it is listed: what comes in between is then seen twice, and not missed.
     _watch.add(folder);

@@ -166,6 +166,7 @@ TEST(IndexFile, IsTakenUpAgainAndReadsOnlyWhatChanged)
     EXPECT_EQ(filesRead, 1);
     EXPECT_EQ(gateway.find("query=walnut"), list({"b/c.txt"}));
     EXPECT_EQ(gateway.find("query=almond"), list({"b/b.txt"}));
+    EXPECT_EQ(gateway.find("query=site:b"), list({"b/b.txt", "b/c.txt"})) << "newest first";
 }
 
 TEST(IndexFile, OfAnotherProgramIsLeftAlone)

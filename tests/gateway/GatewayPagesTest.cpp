@@ -139,6 +139,8 @@ TEST_F(GatewayPages, DocumentsKeepTheirLettersAndTitles)
          "<body>mar<b>ker</b><!-- <p>unseen --><p>x</p></body></html>",
          "A &amp; B \u00E9\u2014"},
         {"latin1.html", "<meta charset=\"iso-8859-1\"><title>Caf\xE9</title>marker", "Caf\u00E9"},
+        {"tags.txt", "<?xml version=\"1.0\"?>\n<x:y>\nmarker", "marker"},
+        {"tag.html", "<title>&lt;canvas&gt;</title>marker", "tag.html"},
         {"numbers.txt", "12345\n67890 marker 1\n", "67890 marker 1"},
     };
     for (const Case& each : cases)
@@ -155,7 +157,7 @@ TEST_F(GatewayPages, DocumentsKeepTheirLettersAndTitles)
     EXPECT_TRUE(gateway.get("/doc/latin1.txt").body.contains("Stra\u00DFe und Steg"));
     EXPECT_TRUE(gateway.get("/doc/page.html").header("Content-Security-Policy").contains("sandbox"));
     EXPECT_TRUE(gateway.get("/search?q=unseen").body.contains("No document matches"));
-    EXPECT_TRUE(gateway.get("/").body.contains("13 documents"));
+    EXPECT_TRUE(gateway.get("/").body.contains("15 documents"));
 }
 
 TEST_F(GatewayPages, BigDocumentsAreCutAndStillWhole)
