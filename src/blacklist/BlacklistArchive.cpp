@@ -52,6 +52,18 @@ public:
         return stored;
     }
 
+    /// What a rule says and no more; none for anything else.
+    std::optional<BlacklistRule> readRule(std::uint32_t slot)
+    {
+        const ArchivedValue value = _reader.value(slot);
+        BlacklistRule fields;
+        if (value.type != ArchivedClass::BlacklistRule)
+            return std::nullopt;
+        for (const QLatin1String key : {RuleKey, StateKey, CaseSensitiveKey, TypeKey})
+            (void)readKnown(QString(key), _reader.entry(value, key), fields);
+        return failed() ? std::nullopt : std::optional(fields);
+    }
+
     /// None for anything but a rule. A rule that stands in several places is one object.
     BlacklistFilterPtr readFilter(std::uint32_t slot)
     {
@@ -233,11 +245,9 @@ QByteArray archivedBlacklist(const StoredBlacklist& list)
     return BlacklistWriter(list).write();
 }
 
-BlacklistFilterPtr blacklistFilterOf(const OpaqueObject& object)
+std::optional<BlacklistRule> blacklistRuleOf(const OpaqueObject& object)
 {
-    BlacklistReader reader(object.archive());
-    BlacklistFilterPtr filter = reader.readFilter(object.plistIndex());
-    return reader.failed() ? nullptr : filter;
+    return BlacklistReader(object.archive()).readRule(object.plistIndex());
 }
 
 } // namespace quarry

@@ -29,8 +29,8 @@ struct StoredBlacklist {
 /// The keyed archive of a list; empty when what was carried cannot be written.
 [[nodiscard]] QByteArray archivedBlacklist(const StoredBlacklist& list);
 
-/// The rule that an object of another archive holds, such as a query's private filter; none for an object of another
-/// class and for a damaged one.
-[[nodiscard]] BlacklistFilterPtr blacklistFilterOf(const OpaqueObject& object);
+/// What the rule says that an object of another archive holds, such as a query's private filter; none for an object of
+/// another class and for a damaged one.
+[[nodiscard]] std::optional<BlacklistRule> blacklistRuleOf(const OpaqueObject& object);
 
 } // namespace quarry

@@ -80,14 +80,4 @@ QString BlacklistStore::change(const std::function<bool(BlacklistManager&)>& app
     return manager->writeListAtPath(_files, _home.blacklistFile(), &error) ? QString() : error;
 }
 
-std::shared_ptr<const BlacklistMatcher> privateFilterMatcher(const QList<std::shared_ptr<const OpaqueObject>>& filters)
-{
-    QList<BlacklistRule> rules;
-    for (const auto& object : filters) {
-        const BlacklistFilterPtr filter = object ? blacklistFilterOf(*object) : nullptr;
-        rules.append(filter ? filter->fields() : BlacklistRule());
-    }
-    return std::make_shared<const BlacklistMatcher>(rules, BlacklistMatcher::Which::All);
-}
-
 } // namespace quarry

@@ -54,9 +54,4 @@ private:
     QString _reported;               ///< The fault told last.
 };
 
-/// The private rules of a query, made ready for tests: their state does not count. Objects that are no rules, or are
-/// damaged, catch nothing.
-[[nodiscard]] std::shared_ptr<const BlacklistMatcher>
-privateFilterMatcher(const QList<std::shared_ptr<const OpaqueObject>>& filters);
-
 } // namespace quarry

@@ -1,6 +1,7 @@
 #include "NotedLines.h"
 #include "archive/KeyedArchiver.h"
 #include "blacklist/BlacklistStore.h"
+#include "blacklist/PrivateFilters.h"
 #include "platform/SystemLog.h"
 #include "support/ArchiveJson.h"
 #include "support/FailingFileStore.h"
@@ -108,14 +109,18 @@ TEST_F(BlacklistFileTest, ReadsThePrivateRulesOfQueries)
     ArchiveReader reader(archive);
     const SlotList slots = *reader.list(reader.root());
     const auto object = [&](std::uint64_t i) { return std::make_shared<const OpaqueObject>(archive, slots.at(i)); };
-    EXPECT_EQ(blacklistFilterOf(*object(2))->fields(),
+    EXPECT_EQ(blacklistRuleOf(*object(2)),
               (BlacklistRule{QStringLiteral("tracker.example.com"), BlacklistType::Domain, true, false}));
-    EXPECT_EQ(blacklistFilterOf(OpaqueObject(archive, archive->rootSlot())), nullptr);
 
-    // An inactive rule, and none of the loaded objects that are no rules.
-    const auto matcher =
-        privateFilterMatcher({nullptr, std::make_shared<const OpaqueObject>(archive, archive->rootSlot()), object(4)});
-    EXPECT_EQ(matcher->ruleCatching(QStringLiteral("http://a.b/c.zip"), log), std::optional<qsizetype>(2));
+    PrivateFilters filters;
+    const auto inactive = object(4);
+    const QString address = QStringLiteral("http://a.b/c.zip");
+    EXPECT_TRUE(filters.testString(inactive, address, log));
+    EXPECT_TRUE(filters.testString(inactive, address, log));
+    EXPECT_FALSE(filters.testString(object(2), address, log));
+    EXPECT_FALSE(filters.testString(nullptr, address, log));
+    const auto noRule = std::make_shared<const OpaqueObject>(archive, archive->rootSlot());
+    EXPECT_FALSE(filters.testString(noRule, address, log));
 }
 
 TEST_F(BlacklistFileTest, ASaveIsSeenByTheNextTest)
