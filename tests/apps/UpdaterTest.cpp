@@ -178,14 +178,15 @@ TEST_F(UpdaterTest, UpdatesWhatIsNamed)
     EXPECT_FALSE(Schedule(home, files).read(SystemClock().now()).lastUpdate) << "that was no full refresh";
 }
 
-TEST_F(UpdaterTest, LeavesADatabaseAloneThatItCannotRead)
+TEST_F(UpdaterTest, LeavesADatabaseAloneThatItCannotReadAndRefusesWrongUse)
 {
     EXPECT_TRUE(test::writeFile(home->databaseFile(), "no database"));
     const Ended ended = run({});
     EXPECT_EQ(ended.status, 1);
     EXPECT_TRUE(ended.text.contains(u"cannot be read"_qs)) << qPrintable(ended.text);
     EXPECT_EQ(test::contentOf(home->databaseFile()), "no database");
-    EXPECT_EQ(run({u"--home"_qs, u"/no/such/folder"_qs}).status, 2) << "the option is there twice";
+    for (const QString& wrong : {u"--clock-offset=nan"_qs, u"--clock-offset=9e99"_qs, u"--home=/twice"_qs, u"-x"_qs})
+        EXPECT_EQ(run({wrong}).status, 2) << qPrintable(wrong);
 }
 
 } // namespace

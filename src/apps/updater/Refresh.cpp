@@ -32,7 +32,8 @@ struct Refresh::Work {
 };
 
 Refresh::Refresh(UpdaterOptions options, RefreshProgress& progress)
-    : _options(std::move(options)), _progress(progress), _home(_options.home), _clock(_options.clockOffset)
+    : _options(std::move(options)), _progress(progress), _home(_options.home),
+      _clock(static_cast<double>(_options.clockOffset))
 {
 }
 

@@ -8,6 +8,9 @@ namespace quarry {
 
 namespace {
 
+// Some thirty years either way; dates beyond serve nothing.
+constexpr qint64 MostSeconds = 1000000000;
+
 constexpr const char* description =
     "Asks the search services for what is new and merges it into the database: one refresh, then it ends.\n"
     "Only one runs at a time. An interrupt ends it within a second; what was found by then is saved.";
@@ -41,7 +44,7 @@ std::optional<UpdaterOptions> UpdaterOptions::fromCommandLine(int argc, char** a
                    "minutes within which a query is not asked again, 22000 "
                    "the six hours of the page cache")
         ->type_name("SECONDS")
-        ->check(CLI::Range(-1e9, 1e9));
+        ->check(CLI::Range(-MostSeconds, MostSeconds));
     app.add_flag("--progress", options.progress, "Tell what happens on standard output, a JSON object a line");
     try {
         app.parse(argc, argv);

@@ -21,8 +21,8 @@ enum UpdaterStatus {
 struct UpdaterOptions {
     QStringList queries; ///< Names; empty: everything that is enabled.
     QString home;
-    double clockOffset = 0.0; ///< Seconds.
-    bool progress = false;    ///< Lines for programs on standard output.
+    qint64 clockOffset = 0; ///< Seconds.
+    bool progress = false;  ///< Lines for programs on standard output.
 
     /// None when the program is to end at once with that status: help was asked for, or the command line is wrong;
     /// what there is to say has been printed then.
