@@ -21,7 +21,8 @@ RefreshJournal::RefreshJournal(QueryDatabaseEngine& database, RefreshProgress& p
 
 RefreshJournal::~RefreshJournal()
 {
-    static_cast<void>(finish());
+    if (_saver.joinable())
+        static_cast<void>(finish());
 }
 
 bool RefreshJournal::finish()
