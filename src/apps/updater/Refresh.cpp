@@ -135,13 +135,15 @@ int Refresh::startNamed(Work& work)
 int Refresh::finish(Work& work)
 {
     work.updater->waitUntilIdle();
-    if (!work.journal->finish())
-        return NotSaved;
-    if (_pauser.isStopped())
-        return Stopped;
-    // The schedule goes by this: written whatever came of single queries.
-    if (_options.queries.isEmpty())
+    const bool isSaved = work.journal->finish();
+    const bool isStopped = _pauser.isStopped();
+    // Whatever came of it: without a new date the next refresh would be due at once, and the one after it.
+    if (_options.queries.isEmpty() && !isStopped)
         noteFault(Schedule(_home, _files).setLastUpdate(_clock.now()));
+    if (!isSaved)
+        return NotSaved;
+    if (isStopped)
+        return Stopped;
     return _progress.someNotUpdated() ? SomeNotUpdated : AllUpdated;
 }
 
