@@ -211,7 +211,8 @@ ExtractedPage extractPage(SearchService service, DecodedPage page, qint64 start,
     if (!areaText)
         return extracted;
 
-    const ScanCopy area = copy.part(*areaText);
+    // Of a page that is its own area no part was cut out: it is not made ready a second time.
+    const ScanCopy area = rules->areaName.isEmpty() ? copy : copy.part(*areaText);
     qint64 index = -1;
     for (const QStringView itemText : rules->items(area)) {
         ++index;

@@ -83,6 +83,16 @@ TEST(ResultPages, GiveTheSameWithinAMegabyteOfNoise)
     }
 }
 
+// Without the comment a script would begin in one item and end in the other. Each item is scanned by itself.
+TEST(ResultPages, JoinNoScriptAcrossItems)
+{
+    Fixture page;
+    page.service = SearchService::Ixquick;
+    EXPECT_EQ(found(page, "<div class='result'><a id='title_1' href='http://h/1'>A<scr<!-- -->ipt></a></div>"
+                          "<div class='result'><a id='title_2' href='http://h/2'>B</script></a></div>"),
+              u"A\thttp://h/1\tNo description\nB\thttp://h/2\tNo description\n");
+}
+
 // A page may be cut anywhere: what was whole is found, and nothing goes wrong.
 TEST(ResultPages, BearBeingCutAtAnyByte)
 {
