@@ -51,11 +51,11 @@ QByteArray newerList()
 
 class BlacklistFileTest : public testing::Test {
 protected:
-    BlacklistFileTest()
+    void SetUp() override
     {
         setSystemLogSink([this](const QString& line) { told.append(line); });
     }
-    ~BlacklistFileTest() override { setSystemLogSink({}); }
+    void TearDown() override { setSystemLogSink({}); }
 
     bool isFiltered(const char* address) { return store.isAddressFiltered(QString::fromUtf8(address), log); }
     QStringList damagedCopies() const
@@ -195,6 +195,7 @@ TEST_F(BlacklistFileTest, ManyThreadsTestWhileTheListIsSaved)
     };
     ASSERT_EQ(save(0), QString());
     std::vector<std::thread> threads;
+    threads.reserve(20);
     std::atomic<int> wrong{0};
     for (int t = 0; t < 20; ++t) {
         threads.emplace_back([&] {

@@ -123,6 +123,7 @@ TEST_F(LoggerTest, LoggersOfSeveralProcessesLoseNothing)
     const auto run = [&](const char* name) {
         LXLogger logger(home, clock, files);
         std::vector<std::thread> threads;
+        threads.reserve(2);
         for (int t = 0; t < 2; ++t) {
             threads.emplace_back([&, t] {
                 for (int i = 0; i < PerThread; ++i)
