@@ -31,7 +31,8 @@ protected:
     {
         Engine reader(parts(), Engine::AtEnd::Discard);
         QString text;
-        for (const QueryCorePtr& node : *reader.queries())
+        const QList<QueryCorePtr> nodes = *reader.queries();
+        for (const QueryCorePtr& node : nodes)
             text += node->title() + QString::number(node->nbItems());
         return text;
     }
