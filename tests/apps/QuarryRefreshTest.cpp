@@ -46,7 +46,7 @@ protected:
     [[nodiscard]] QStringList newTitles() const
     {
         QStringList titles;
-        for (const QJsonValue& result : run({u"results"_s, u"--new"_s, u"--json"_s}).json()[u"results"].toArray())
+        for (const QJsonValue result : run({u"results"_s, u"--new"_s, u"--json"_s}).json()[u"results"].toArray())
             titles.append(result.toObject()[u"title"].toString());
         titles.sort();
         return titles;

@@ -23,7 +23,7 @@ protected:
     [[nodiscard]] QStringList titles(const QStringList& arguments) const
     {
         QStringList titles;
-        for (const QJsonValue& result :
+        for (const QJsonValue result :
              run(QStringList{u"results"_s, u"--json"_s} + arguments).json()[u"results"_s].toArray())
             titles.append(result.toObject()[u"title"_s].toString());
         return titles;

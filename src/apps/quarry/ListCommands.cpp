@@ -24,7 +24,8 @@ QString lineOf(const QueryCorePtr& node, int depth)
 {
     const NodeCounts counts = countsOf(node);
     const bool isFolder = node->isQueryFolder();
-    QString title = QString(depth * 2, u' ') + shownTitle(*node) + (isFolder ? QStringLiteral("/") : QString());
+    QString title =
+        QString(qsizetype(depth) * 2, u' ') + shownTitle(*node) + (isFolder ? QStringLiteral("/") : QString());
     if (!isFolder && !node->isEnabled())
         title += QStringLiteral(" (paused)");
     const QString line = QStringLiteral("%1 %2  %3  %4  %5")

@@ -69,7 +69,7 @@ Outcome refresh(Session& session, const Options& options)
                                                        : RefreshReport::Progress::Lines);
     const ChildEnd end = runProgram(updater, arguments, [&](const QByteArray& line) { report.take(line); });
     report.finish();
-    const Outcome outcome = outcomeOf(end);
+    Outcome outcome = outcomeOf(end);
     if (options.json)
         writeOut(jsonText(report.json()) + u'\n');
     else if (!options.quiet && report.hasSummary())
