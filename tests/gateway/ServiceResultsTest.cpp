@@ -100,10 +100,11 @@ TEST_P(ServiceResults, EveryDocumentIsReadFromThePages)
     }
 }
 
-TEST_P(ServiceResults, PhraseAndPlaceRestrictWhatIsFound)
+/// Those that have a form for them.
+class ServiceRestrictions : public ServiceResults {};
+
+TEST_P(ServiceRestrictions, PhraseAndPlaceRestrictWhatIsFound)
 {
-    if (GetParam() == SearchService::Ixquick)
-        GTEST_SKIP() << "has no such form";
     const QString address = addresses().advancedSearchUrl(GetParam(), 2, true);
     const QString host = QString::fromUtf8(gateway.base().mid(7));
     const std::set<QString> below = {QStringLiteral("/doc/sub/one.txt"), QStringLiteral("/doc/sub/two.txt")};
@@ -118,10 +119,15 @@ TEST_P(ServiceResults, PhraseAndPlaceRestrictWhatIsFound)
     EXPECT_EQ(reversed.pages.size(), 3);
 }
 
+const auto nameOfParameter = [](const auto& service) { return searchServiceName(service.param).toStdString(); };
+
 INSTANTIATE_TEST_SUITE_P(Services, ServiceResults,
                          testing::Values(SearchService::Google, SearchService::Yahoo, SearchService::Bing,
                                          SearchService::Ixquick),
-                         [](const auto& service) { return searchServiceName(service.param).toStdString(); });
+                         nameOfParameter);
+INSTANTIATE_TEST_SUITE_P(Services, ServiceRestrictions,
+                         testing::Values(SearchService::Google, SearchService::Yahoo, SearchService::Bing),
+                         nameOfParameter);
 
 TEST_F(ServicePages, NoTwoServicesRankAlike)
 {

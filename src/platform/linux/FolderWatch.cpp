@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstddef>
 #include <cstring>
 
 namespace quarry {
@@ -53,7 +54,7 @@ bool FolderWatch::add(const QByteArray& folder)
 FolderWatch::Changes FolderWatch::take()
 {
     Changes changes;
-    alignas(inotify_event) std::array<char, 64 * 1024> buffer = {};
+    alignas(inotify_event) std::array<char, std::size_t(64)* 1024> buffer = {};
     while (_descriptor >= 0) {
         const ssize_t count = ::read(_descriptor, buffer.data(), buffer.size());
         if (count < 0 && errno == EINTR)
