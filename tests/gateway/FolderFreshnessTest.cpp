@@ -106,7 +106,7 @@ TEST_F(FolderFreshness, CompressedDocumentsGoByTheNameOfWhatTheyHold)
     write("twice.txt", "walnut, the newer text");
     write("twice.txt.gz", gzipped("walnut, a copy"));
     write("broken.gz", "walnut, not compressed at all");
-    write("bomb.gz", gzipped(QByteArray(64 * 1024 * 1024, 'x')));
+    write("bomb.gz", gzipped(QByteArray(qsizetype(64) * 1024 * 1024, 'x')));
     gateway.start();
     EXPECT_EQ(found(), list({"changelog", "twice.txt"}));
     EXPECT_TRUE(gateway.get("/doc/changelog").body.contains("* First release."));
@@ -125,6 +125,7 @@ TEST_F(FolderFreshness, SearchesAndChangesMayComeTogether)
     constexpr int rounds = 20;
     std::atomic<int> answered = 0;
     std::vector<std::thread> threads;
+    threads.reserve(clients);
     for (int i = 0; i < clients; ++i) {
         threads.emplace_back([this, &answered] {
             for (int round = 0; round < rounds; ++round) {
