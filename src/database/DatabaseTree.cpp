@@ -66,7 +66,7 @@ QueryCorePtr QueryDatabaseEngine::appendToRoot(const QueryCorePtr& node)
 QueryCorePtr QueryDatabaseEngine::addQuery(const QString& text)
 {
     dbSynchCheck();
-    const QueryCorePtr node = appendToRoot(searchOrCreateQuery(text));
+    QueryCorePtr node = appendToRoot(searchOrCreateQuery(text));
     if (node && _impl->parts.updates)
         _impl->parts.updates->update(node);
     _impl->countQueries();
@@ -76,8 +76,7 @@ QueryCorePtr QueryDatabaseEngine::addQuery(const QString& text)
 QueryCorePtr QueryDatabaseEngine::addQuery(const QString& text, bool isFolder)
 {
     dbSynchCheck();
-    const QueryCorePtr node =
-        isFolder ? withoutChecksum(QueryCore::initWithQueryFolder(text)) : searchOrCreateQuery(text);
+    QueryCorePtr node = isFolder ? withoutChecksum(QueryCore::initWithQueryFolder(text)) : searchOrCreateQuery(text);
     appendToRoot(node);
     _impl->countQueries();
     return node;
@@ -172,7 +171,7 @@ void QueryDatabaseEngine::moveQuery(const QueryCorePtr& node, const QueryCorePtr
     // Taken out of its place, a folder could not be put below itself or into a query, and would be lost.
     if (!node || !asChildOf || asChildOf->isLeaf() || node->contains(asChildOf))
         return;
-    const QueryCorePtr kept = node;
+    const QueryCorePtr kept = node->shared_from_this(); // `node` may lie in the very list it is removed from.
     if (const QueryCorePtr parent = kept->parent())
         parent->removeChild(kept);
     asChildOf->insertChild(kept, static_cast<qint64>(index));

@@ -109,9 +109,16 @@ bool QueryDatabaseEngine::Impl::isThrottled()
 
 DatabaseFile::Saved QueryDatabaseEngine::Impl::saveLocked()
 {
+    struct Saving {
+        std::atomic<bool>& flag;
+        ~Saving() { flag = false; }
+    };
     savingLock = true;
-    DatabaseFile::Saved saved = file.save(root->get());
-    savingLock = false;
+    const auto write = [this] {
+        const Saving done{savingLock}; // However it ends: a flag left set would drop every later save.
+        return file.save(root->get());
+    };
+    DatabaseFile::Saved saved = write();
     setLastError(saved.error);
     if (saved.outcome == DatabaseFile::Saving::Done) {
         lastDBSave = parts.clock.now();

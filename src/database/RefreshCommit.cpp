@@ -25,7 +25,7 @@ QString RefreshCommit::commit()
         const std::lock_guard lock(_mutex);
         links = _waiting;
     }
-    const QString error = _database.edit([&](QueryDatabaseEngine& database) {
+    QString error = _database.edit([&](QueryDatabaseEngine& database) {
         for (const BroughtUpdate& brought : links) {
             const QueryCorePtr node = database.queryForUUID(brought.queryUuid);
             if (node && node->isLeaf() && node != brought.mergedInto.lock())
