@@ -42,6 +42,20 @@ ArchivedNumber realNumber(double value)
     return {ArchivedNumber::Kind::Real, fits ? static_cast<std::int64_t>(value) : 0, value};
 }
 
+/// Four bytes at a time; what is left over does not matter much.
+std::uint32_t hashOf(const unsigned char* bytes, std::size_t size)
+{
+    std::uint32_t hash = static_cast<std::uint32_t>(size);
+    for (std::size_t i = 0; i + 4 <= size; i += 4) {
+        std::uint32_t word = 0;
+        std::memcpy(&word, bytes + i, 4);
+        hash = (hash ^ word) * 0x9e3779b1U;
+    }
+    if (size < 4)
+        hash += bytes[size - 1];
+    return hash ^ hash >> 15;
+}
+
 ArchivedNumber booleanNumber(bool value)
 {
     return {ArchivedNumber::Kind::Boolean, value ? 1 : 0, value ? 1.0 : 0.0};
@@ -103,11 +117,7 @@ const ArchiveReader::Shape* ArchiveReader::shapeOf(const PlistItem& dictionary)
     const std::size_t size = dictionary.count * plist().referenceWidth();
     if (dictionary.count == 0 || size > sizeof(Shape::keys))
         return nullptr;
-    // The names' numbers are low and close together: most of what differs is in the last bytes.
-    std::uint32_t hash = static_cast<std::uint32_t>(size);
-    for (std::size_t i = 0; i < size; ++i)
-        hash = (hash ^ dictionary.bytes[i]) * 0x01000193U;
-    Shape& shape = _shapes[(hash ^ hash >> 16) % _shapes.size()];
+    Shape& shape = _shapes[hashOf(dictionary.bytes, size) % _shapes.size()];
     if (shape.count == dictionary.count && std::memcmp(shape.keys.data(), dictionary.bytes, size) == 0)
         return &shape;
     shape.count = dictionary.count;

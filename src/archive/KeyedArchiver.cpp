@@ -32,9 +32,10 @@ bool isAsciiInWideForm(const StoredText& text)
 
 } // namespace
 
-KeyedArchiver::KeyedArchiver(ByteSink& sink, std::uint64_t expectedObjects, std::size_t expectedTexts)
-    : _plist(sink, expectedObjects), _texts(expectedTexts)
+KeyedArchiver::KeyedArchiver(ByteSink& sink, std::uint64_t expectedObjects, std::size_t expectedRecords)
+    : _plist(sink, expectedObjects), _texts(expectedRecords * 4), _dates(expectedRecords)
 {
+    _objects.reserve(expectedRecords * 8);
     _objects.push_back(_plist.text(kept(u"$null")));
     _null = _plist.uid(0);
     _classKey = name(u"$class");

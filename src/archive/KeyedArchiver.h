@@ -36,8 +36,8 @@ public:
     /// `expectedObjects` settles how wide references are and must not be less than what comes: ObjectsPerArchive,
     /// ObjectsPerValue for every value, list, dictionary and object added, and twice the object count of every
     /// archive that opaque values come from. When more comes, finish fails.
-    /// `expectedTexts` is a guess at the number of different texts and only saves time.
-    explicit KeyedArchiver(ByteSink& sink, std::uint64_t expectedObjects, std::size_t expectedTexts = 0);
+    /// `expectedRecords` is a guess at the number of dictionaries with texts of their own and a date; it saves time.
+    explicit KeyedArchiver(ByteSink& sink, std::uint64_t expectedObjects, std::size_t expectedRecords = 0);
     KeyedArchiver(const KeyedArchiver&) = delete;
     KeyedArchiver& operator=(const KeyedArchiver&) = delete;
 

@@ -9,6 +9,8 @@ namespace quarry {
 
 namespace {
 
+constexpr std::uint32_t FarAway = 0xffffffff;
+
 /// The width that every reader knows for numbers up to the greatest one.
 unsigned widthFor(std::uint64_t greatest)
 {
@@ -22,7 +24,8 @@ unsigned widthFor(std::uint64_t greatest)
 } // namespace
 
 PlistWriter::PlistWriter(ByteSink& sink, std::uint64_t expectedObjects)
-    : _sink(sink), _referenceWidth(widthFor(expectedObjects)), _buffer(std::make_unique_for_overwrite<char[]>(BufferSize))
+    : _sink(sink), _referenceWidth(widthFor(expectedObjects)),
+      _buffer(std::make_unique_for_overwrite<char[]>(BufferSize))
 {
     put("bplist00", 8);
 }
@@ -30,7 +33,7 @@ PlistWriter::PlistWriter(ByteSink& sink, std::uint64_t expectedObjects)
 PlistWriter::Object PlistWriter::reserve()
 {
     if (_count % BlockSize == 0)
-        _offsets.push_back(std::make_unique_for_overwrite<std::uint64_t[]>(BlockSize));
+        _offsets.push_back({_written + _used, std::make_unique_for_overwrite<std::uint32_t[]>(BlockSize)});
     // More objects than references can name: the caller promised fewer.
     if (_count >= (std::uint64_t(1) << (8 * std::min(_referenceWidth, 4U))) - 1)
         _failed = true;
@@ -41,8 +44,25 @@ PlistWriter::Object PlistWriter::start()
 {
     const Object object = _reserved != None ? _reserved : reserve();
     _reserved = None;
-    _offsets[object / BlockSize][object % BlockSize] = _written + _used;
+    noteOffset(object, _written + _used);
     return object;
+}
+
+void PlistWriter::noteOffset(Object object, std::uint64_t offset)
+{
+    OffsetBlock& block = _offsets[object / BlockSize];
+    const std::uint64_t distance = offset - block.base;
+    const bool isFar = distance >= FarAway;
+    block.distances[object % BlockSize] = isFar ? FarAway : static_cast<std::uint32_t>(distance);
+    if (isFar)
+        _farOffsets[object] = offset;
+}
+
+std::uint64_t PlistWriter::offsetOf(Object object) const
+{
+    const OffsetBlock& block = _offsets[object / BlockSize];
+    const std::uint32_t distance = block.distances[object % BlockSize];
+    return distance == FarAway ? _farOffsets.at(object) : block.base + distance;
 }
 
 char* PlistWriter::room(std::size_t size)
@@ -201,10 +221,12 @@ PlistWriter::Object PlistWriter::dictionary(std::span<const Object> keys, std::s
 
 bool PlistWriter::finish(Object top)
 {
+    if (_failed)
+        return false;
     const std::uint64_t tableOffset = _written + _used;
     const unsigned offsetWidth = widthFor(tableOffset);
     for (Object object = 0; object < _count; ++object)
-        putSized(_offsets[object / BlockSize][object % BlockSize], offsetWidth);
+        putSized(offsetOf(object), offsetWidth);
     const char unused[6] = {};
     put(unused, sizeof(unused));
     putSized(offsetWidth, 1);

@@ -9,6 +9,7 @@
 #include <initializer_list>
 #include <memory>
 #include <span>
+#include <unordered_map>
 #include <vector>
 
 namespace quarry {
@@ -74,7 +75,12 @@ private:
     static constexpr Object None = 0xffffffff;
     /// Offsets come in blocks, since a growing array would for a moment exist twice.
     static constexpr std::size_t BlockSize = std::size_t(1) << 13;
-    using OffsetBlock = std::unique_ptr<std::uint64_t[]>;
+    struct OffsetBlock {
+        std::uint64_t base; ///< Of the file when the block came; what follows is not far from it.
+        std::unique_ptr<std::uint32_t[]> distances;
+    };
+    void noteOffset(Object object, std::uint64_t offset);
+    [[nodiscard]] std::uint64_t offsetOf(Object object) const;
 
     ByteSink& _sink;
     unsigned _referenceWidth;
@@ -82,6 +88,7 @@ private:
     std::size_t _used = 0;
     std::uint64_t _written = 0; ///< Bytes handed to the sink before the buffer.
     std::vector<OffsetBlock> _offsets;
+    std::unordered_map<Object, std::uint64_t> _farOffsets; ///< Of objects placed very long after they were reserved.
     Object _count = 0;
     Object _reserved = None;
     bool _failed = false;

@@ -26,6 +26,11 @@ bool isFull(std::size_t used, std::size_t size)
     return used * 4 >= size * 3;
 }
 
+std::size_t sizeFor(std::size_t expected)
+{
+    return std::bit_ceil(std::max(FirstSize, expected / 3 * 4 + 1));
+}
+
 } // namespace
 
 TextTable::TextTable(std::size_t expectedTexts) : _slots(std::bit_ceil(std::max(FirstSize, expectedTexts / 3 * 4 + 1)))
@@ -76,7 +81,7 @@ void TextTable::grow()
     _slots = std::move(larger);
 }
 
-NumberTable::NumberTable() : _slots(FirstSize) {}
+NumberTable::NumberTable(std::size_t expectedNumbers) : _slots(sizeFor(expectedNumbers)) {}
 
 std::size_t NumberTable::firstPlaceOf(std::uint64_t key) const
 {

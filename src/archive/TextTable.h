@@ -1,7 +1,6 @@
 #pragma once
 
 #include "archive/StoredText.h"
-#include "platform/LargePages.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -19,7 +18,6 @@ public:
     {
         if (!_slots)
             throw std::bad_alloc();
-        preferLargePages(_slots.get(), count * sizeof(Entry));
     }
     [[nodiscard]] std::size_t size() const { return _count; }
     Entry& operator[](std::size_t index) { return _slots.get()[index]; }
@@ -72,7 +70,7 @@ private:
 /// From 64-bit numbers to numbers given with them, in the same way.
 class NumberTable final {
 public:
-    NumberTable();
+    explicit NumberTable(std::size_t expectedNumbers = 0);
     void prefetch(std::uint64_t key) const { __builtin_prefetch(&_slots[firstPlaceOf(key)]); }
     [[nodiscard]] std::uint32_t& numberOf(std::uint64_t key);
 

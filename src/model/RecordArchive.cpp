@@ -208,6 +208,22 @@ void RecordReader::keepUnknown(RecordData& data, std::uint32_t keySlot, std::uin
         data.extras->entries.append({QString(), _opaque.take(slot), _opaque.take(keySlot)});
 }
 
+/// Brings records and texts that come later closer: a save of very many waits for memory more than for anything else.
+static void fetchAhead(const ResultList& records, qsizetype index)
+{
+    constexpr qsizetype BlocksAhead = 6;
+    constexpr qsizetype TextsAhead = 3;
+    if (index + BlocksAhead < records.size()) {
+        const auto* block = reinterpret_cast<const char*>(&records.at(index + BlocksAhead).data());
+        for (std::size_t i = 0; i < sizeof(RecordData); i += 64)
+            __builtin_prefetch(block + i);
+    }
+    if (index + TextsAhead < records.size()) {
+        for (const StoredText& text : records.at(index + TextsAhead).data().texts)
+            __builtin_prefetch(text.bytes().data());
+    }
+}
+
 KeyedArchiver::Slot RecordWriter::writeList(const ResultList& records)
 {
     std::vector<Slot> slots;
@@ -217,6 +233,7 @@ KeyedArchiver::Slot RecordWriter::writeList(const ResultList& records)
         next = prepare(records.front().data());
     for (qsizetype i = 0; i < records.size(); ++i) {
         const TextKeys texts = next;
+        fetchAhead(records, i);
         if (i + 1 < records.size())
             next = prepare(records.at(i + 1).data());
         slots.push_back(write(records.at(i).data(), texts));

@@ -71,8 +71,7 @@ public:
         return objects;
     }
 
-    /// Title, address, text, identity and digest differ from record to record; the rest repeats.
-    [[nodiscard]] std::size_t expectedTexts() const { return static_cast<std::size_t>(_records) * 4; }
+    [[nodiscard]] std::size_t records() const { return static_cast<std::size_t>(_records); }
 
 private:
     void count(const QueryCore::Snapshot& state)
@@ -146,7 +145,7 @@ public:
 
 private:
     TreeWriter(const std::vector<NodeSnapshot>& nodes, const Census& census, ByteSink& sink)
-        : _nodes(nodes), _archiver(sink, census.expectedObjects(), census.expectedTexts()), _records(_archiver)
+        : _nodes(nodes), _archiver(sink, census.expectedObjects(), census.records()), _records(_archiver)
     {
     }
 

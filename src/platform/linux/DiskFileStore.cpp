@@ -1,5 +1,4 @@
 #include "platform/FileStore.h"
-#include "platform/LargePages.h"
 #include "platform/SystemLog.h"
 #include "platform/linux/Descriptor.h"
 
@@ -225,7 +224,6 @@ private:
 int readAll(int descriptor, std::int64_t size, QByteArray& bytes)
 {
     bytes = QByteArray(static_cast<qsizetype>(size), Qt::Uninitialized);
-    preferLargePages(bytes.data(), static_cast<std::size_t>(bytes.size()));
     qsizetype filled = 0;
     while (filled < bytes.size()) {
         const ssize_t got = ::read(descriptor, bytes.data() + filled, static_cast<std::size_t>(bytes.size() - filled));
