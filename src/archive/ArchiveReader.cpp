@@ -117,9 +117,13 @@ const ArchiveReader::Shape* ArchiveReader::shapeOf(const PlistItem& dictionary)
     const std::size_t size = dictionary.count * plist().referenceWidth();
     if (dictionary.count == 0 || size > sizeof(Shape::keys))
         return nullptr;
-    Shape& shape = _shapes[hashOf(dictionary.bytes, size) % _shapes.size()];
-    if (shape.count == dictionary.count && std::memcmp(shape.keys.data(), dictionary.bytes, size) == 0)
-        return &shape;
+    const std::size_t first = hashOf(dictionary.bytes, size);
+    for (std::size_t i = 0; i < ShapesTried; ++i) {
+        const Shape& known = _shapes[(first + i) % _shapes.size()];
+        if (known.count == dictionary.count && std::memcmp(known.keys.data(), dictionary.bytes, size) == 0)
+            return &known;
+    }
+    Shape& shape = _shapes[(first + _nextShape++ % ShapesTried) % _shapes.size()];
     shape.count = dictionary.count;
     std::memcpy(shape.keys.data(), dictionary.bytes, size);
     shape.place.fill(Absent);
@@ -151,9 +155,10 @@ ArchivedClass ArchiveReader::classOf(const PlistItem& dictionary)
 
 ArchivedClass ArchiveReader::classNamed(std::uint32_t slot)
 {
-    KnownClass& known = _classes[slot % _classes.size()];
-    if (known.object == slot)
-        return known.type;
+    for (const KnownClass& known : _classes) {
+        if (known.slot == slot)
+            return known.type;
+    }
     PlistItem description;
     _archive->resolve(slot, description);
     ArchivedClass type = ArchivedClass::Unknown;
@@ -165,7 +170,7 @@ ArchivedClass ArchiveReader::classNamed(std::uint32_t slot)
                 type = candidate.type;
         }
     }
-    known = {slot, type};
+    _classes[_nextClass++ % _classes.size()] = {slot, type};
     return type;
 }
 

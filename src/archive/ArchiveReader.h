@@ -49,12 +49,15 @@ public:
         : _plist(&plist), _container(container), _first(first), _count(count)
     {
     }
-    explicit SlotList(std::vector<std::uint32_t> slots) : _count(slots.size()), _slots(std::move(slots)) {}
+    explicit SlotList(std::vector<std::uint32_t> slots)
+        : _count(slots.size()), _slots(std::make_shared<const std::vector<std::uint32_t>>(std::move(slots)))
+    {
+    }
 
     [[nodiscard]] std::uint64_t count() const { return _count; }
     [[nodiscard]] std::uint32_t at(std::uint64_t index) const
     {
-        return _plist ? _plist->element(_container, _first + index) : _slots[index];
+        return _plist ? _plist->element(_container, _first + index) : (*_slots)[index];
     }
     /// The references as they lie in the file; empty for the older spelling.
     [[nodiscard]] std::string_view bytes() const
@@ -68,7 +71,7 @@ private:
     PlistItem _container;
     std::uint64_t _first = 0;
     std::uint64_t _count = 0;
-    std::vector<std::uint32_t> _slots;
+    std::shared_ptr<const std::vector<std::uint32_t>> _slots; ///< In the older spelling.
 };
 
 struct SlotPairs {
@@ -148,14 +151,17 @@ private:
     [[nodiscard]] std::optional<ArchivedNumber> boxedNumber(const ArchivedValue& value);
 
     struct KnownClass {
-        std::uint32_t object = KeyedArchive::NoObject;
+        std::uint32_t slot = KeyedArchive::NoObject;
         ArchivedClass type = ArchivedClass::Unknown;
     };
+    static constexpr std::size_t ShapesTried = 4;
 
     std::shared_ptr<const KeyedArchive> _archive;
     QString _reason;
     std::array<Shape, 64> _shapes;
-    std::array<KnownClass, 16> _classes;
+    std::array<KnownClass, 16> _classes; ///< The last ones met; an archive has a handful.
+    std::size_t _nextClass = 0;
+    std::size_t _nextShape = 0;
     std::uint64_t _budget;
 };
 

@@ -46,20 +46,4 @@ QString KeyedArchive::locate()
     return {};
 }
 
-std::uint32_t KeyedArchive::resolve(std::uint32_t slot, PlistItem& item) const
-{
-    bool isUid = false;
-    const std::uint32_t uid = _plist.uidIn(slot, isUid);
-    const std::uint32_t object = isUid ? objectOf(uid) : slot;
-    item = _plist.item(object);
-    // An archived object that is itself a reference leads nowhere.
-    if (item.type == PlistItem::Type::Uid)
-        item = {};
-    if (!item.isValid())
-        return NoObject;
-    if (isUid && uid == 0)
-        item = {PlistItem::Type::Null, 0, item.bytes, 0};
-    return object;
-}
-
 } // namespace quarry

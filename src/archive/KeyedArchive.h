@@ -37,7 +37,21 @@ public:
         return uid < _objects.count ? _plist.element(_objects, uid) : NoObject;
     }
     /// Follows a slot. The item is null for the UID 0; answers NoObject, and an invalid item, for a broken slot.
-    std::uint32_t resolve(std::uint32_t slot, PlistItem& item) const;
+    std::uint32_t resolve(std::uint32_t slot, PlistItem& item) const
+    {
+        bool isUid = false;
+        const std::uint32_t uid = _plist.uidIn(slot, isUid);
+        const std::uint32_t object = isUid ? objectOf(uid) : slot;
+        item = _plist.item(object);
+        // An archived object that is itself a reference leads nowhere.
+        if (item.type == PlistItem::Type::Uid || !item.isValid()) {
+            item = {};
+            return NoObject;
+        }
+        if (isUid && uid == 0)
+            item = {PlistItem::Type::Null, 0, item.bytes, 0};
+        return object;
+    }
 
 private:
     explicit KeyedArchive(BinaryPlist plist) : _plist(std::move(plist)) {}

@@ -129,6 +129,10 @@ void RecordReader::readValue(RecordData& data, RecordKey key, std::uint32_t slot
 
 bool RecordReader::readText(RecordData& data, RecordKey key, const ArchivedValue& value)
 {
+    if (value.item.isText()) {
+        storeText(data, key, value.item.text());
+        return true;
+    }
     auto text = _reader.text(value);
     if (!text)
         return false;
