@@ -59,7 +59,7 @@ public:
         const QueryCore::Snapshot state = node->snapshot();
         sqlite3_bind_int(_query.get(), 1, id);
         sqlite3_bind_int(_query.get(), 2, parent);
-        const QByteArray uuid = state.fields._UUID.toUtf8();
+        const QByteArray uuid = state.fields._uuid.toUtf8();
         const QByteArray text = state.fields._query.value_or(QString()).toUtf8();
         sqlite3_bind_text(_query.get(), 3, uuid.constData(), int(uuid.size()), SQLITE_STATIC);
         sqlite3_bind_text(_query.get(), 4, text.constData(), int(text.size()), SQLITE_STATIC);

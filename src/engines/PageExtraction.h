@@ -28,7 +28,7 @@ struct FoundLink {
 /// What one result page holds.
 struct ExtractedPage {
     bool hasResultsArea = false; ///< Or several, or an empty one.
-    int items = 0; ///< Result elements, those that hold no link included.
+    int items = 0;               ///< Result elements, those that hold no link included.
     QList<FoundLink> links;
 };
 

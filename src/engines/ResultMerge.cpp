@@ -117,7 +117,7 @@ void Merge::takeOne(const ResultRecord& link, const Url& address)
     const ResultRecord record = link.withNewSincePrevious(true)
                                     .withRating(0)
                                     .withVisible(true)
-                                    .withParentQueryUuid(_query._UUID)
+                                    .withParentQueryUuid(_query._uuid)
                                     .withLinkUuid(UUIDString());
     if (isExcludedItem(record, address))
         return;

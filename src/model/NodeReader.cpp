@@ -72,7 +72,7 @@ void NodeReader::readFields()
     _fields._excludedDomains = excludedDomains();
     _fields._computeCheckSumOfLinks = boolean(NodeKey::Checksum);
     const std::optional<QString> uuid = text(NodeKey::Uuid);
-    _fields._UUID = uuid ? *uuid : UUIDString();
+    _fields._uuid = uuid ? *uuid : UUIDString();
     _fields._isFolder = boolean(NodeKey::IsFolder);
     _fields._queryDisabled = boolean(NodeKey::IsPaused);
     _fields._isSuscribedToBlacklist = boolean(NodeKey::SubscribesToBlacklist, true);

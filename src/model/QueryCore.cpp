@@ -23,7 +23,7 @@ constexpr qint64 NotCounted = -1;
 QueryFields newQueryFields()
 {
     QueryFields fields;
-    fields._UUID = UUIDString();
+    fields._uuid = UUIDString();
     fields._lastUpdate = Date::reference();
     fields._currentResult.emplace();
     fields._excludedDomains.emplace();
@@ -110,7 +110,7 @@ QueryCorePtr QueryCore::initWithAdvancedCombinedQuery(const QStringList& queries
 QueryCorePtr QueryCore::initWithQueryFolder(const std::optional<QString>& name)
 {
     QueryFields fields;
-    fields._UUID = UUIDString();
+    fields._uuid = UUIDString();
     fields._isFolder = true;
     fields._query = name;
     return std::make_shared<QueryCore>(Private(), std::move(fields), InitialSortType, NotCounted);
@@ -148,7 +148,7 @@ QString QueryCore::description() const
     return QLatin1String("<QueryCore: ") % address % QLatin1String("> [") %
            QString::number(weak_from_this().use_count()) % QLatin1String("]\n") % _fields._query.value_or(absent) %
            QLatin1String(", last update: ") % updated % QLatin1String(". Number of Results: ") %
-           QString::number(count) % QLatin1String(" (") % _fields._UUID % u')';
+           QString::number(count) % QLatin1String(" (") % _fields._uuid % u')';
 }
 
 } // namespace quarry

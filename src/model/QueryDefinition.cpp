@@ -145,7 +145,7 @@ bool QueryCore::isComputingChecksum() const
 
 QString QueryCore::UUID() const
 {
-    return _fields._UUID; // Never changes, so it is read without the lock.
+    return _fields._uuid; // Never changes, so it is read without the lock.
 }
 
 std::optional<Date> QueryCore::date() const

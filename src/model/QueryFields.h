@@ -36,7 +36,7 @@ struct QueryFields {
     std::optional<QList<FilterObject>> _urlFilters;
     /// Host to true.
     std::optional<QMap<QString, bool>> _excludedDomains;
-    QString _UUID;
+    QString _uuid;
     QString _keyPath;
     bool _queryDisabled = false;
     bool _computeCheckSumOfLinks = false;

@@ -112,7 +112,7 @@ void QueryCore::markItem(const ResultRecord& item, bool read)
     if (place < 0)
         return;
     ResultRecord& record = (*_fields._currentResult)[place];
-    record = record.withUserSaw(read).withParentQueryUuid(_fields._UUID);
+    record = record.withUserSaw(read).withParentQueryUuid(_fields._uuid);
     _nbUnread += read ? -1 : 1;
     touch();
 }
@@ -123,7 +123,7 @@ void QueryCore::markAllItemAsRead()
     if (!_fields._currentResult)
         return;
     for (ResultRecord& record : *_fields._currentResult)
-        record = std::move(record).withUserSaw(true).withParentQueryUuid(_fields._UUID);
+        record = std::move(record).withUserSaw(true).withParentQueryUuid(_fields._uuid);
     _nbUnread -= _fields._currentResult->size();
     touch();
 }
@@ -138,9 +138,9 @@ std::optional<ResultRecord> QueryCore::setRating(qint64 rating, const ResultReco
         return std::nullopt;
     ResultRecord rated = _fields._currentResult->at(place).withRating(rating);
     if (rating >= 1)
-        rated = rated.withParentQueryUuid(_fields._UUID);
+        rated = rated.withParentQueryUuid(_fields._uuid);
     else if (_services)
-        removeThumbnail(_services->cachesFolder, _fields._UUID, rated.linkUuid().value_or(QString()));
+        removeThumbnail(_services->cachesFolder, _fields._uuid, rated.linkUuid().value_or(QString()));
     _fields._currentResult->replace(place, rated);
     touch();
     return rated;

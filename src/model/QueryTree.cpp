@@ -82,7 +82,7 @@ QueryCorePtr QueryCore::findParentOfQuery(const QueryCorePtr& node)
         return nullptr;
     const TreeLock lock;
     if (contains(found)) {
-        debugLog(QStringLiteral("Key path of query %1 names a node below it").arg(_fields._UUID));
+        debugLog(QStringLiteral("Key path of query %1 names a node below it").arg(_fields._uuid));
         return nullptr;
     }
     setParent(found);
@@ -98,14 +98,14 @@ void QueryCore::insertChild(const QueryCorePtr& child, qint64 atIndex)
 {
     const TreeLock lock;
     if (!child || child->contains(shared_from_this())) {
-        debugLog(QStringLiteral("Folder %1 was given no node, or one that it stands below").arg(_fields._UUID));
+        debugLog(QStringLiteral("Folder %1 was given no node, or one that it stands below").arg(_fields._uuid));
         return;
     }
     if (!_childs)
         _childs.emplace();
     child->_parent = weak_from_this();
-    const QString& base = _fields._keyPath.isEmpty() ? _fields._UUID : _fields._keyPath;
-    child->_fields._keyPath = base + u'.' + child->_fields._UUID;
+    const QString& base = _fields._keyPath.isEmpty() ? _fields._uuid : _fields._keyPath;
+    child->_fields._keyPath = base + u'.' + child->_fields._uuid;
     if (_services && child->_services != _services)
         child->setServices(_services);
     const bool inside = atIndex > 0 && atIndex <= _childs->size();
@@ -184,13 +184,13 @@ void QueryCore::removeResults()
 void QueryCore::deletePageCache() const
 {
     if (_services)
-        removeQueryCache(_services->cachesFolder, _fields._UUID);
+        removeQueryCache(_services->cachesFolder, _fields._uuid);
 }
 
 QueryCorePtr QueryCore::findQueryForUUID(const QString& uuid)
 {
     const TreeLock lock;
-    if (_fields._UUID == uuid)
+    if (_fields._uuid == uuid)
         return shared_from_this();
     if (isLeaf() || !_childs)
         return nullptr;
@@ -205,13 +205,13 @@ QueryCorePtr QueryCore::nodeForKeyPath(const QString& keyPath)
 {
     const TreeLock lock;
     const QStringList components = keyPath.split(u'.');
-    if (components.first() != _fields._UUID)
+    if (components.first() != _fields._uuid)
         return nullptr;
     if (components.size() == 1)
         return shared_from_this();
     const ChildList childs = _childs.value_or(ChildList());
     const auto next = std::find_if(childs.begin(), childs.end(), [&components](const QueryCorePtr& child) {
-        return child->_fields._UUID == components.at(1);
+        return child->_fields._uuid == components.at(1);
     });
     return next == childs.end() ? nullptr : (*next)->nodeForKeyPath(components.mid(1).join(u'.'));
 }

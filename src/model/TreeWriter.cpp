@@ -191,7 +191,7 @@ private:
         case NodeKey::ExcludedDomains:
             return fields._excludedDomains ? hosts(*fields._excludedDomains) : _archiver.null();
         case NodeKey::Uuid:
-            return _archiver.text(QStringView(fields._UUID));
+            return _archiver.text(QStringView(fields._uuid));
         case NodeKey::Parent:
             return parent(state);
         case NodeKey::Childs:

@@ -15,7 +15,7 @@ const MergeSettings Settings{Now, 3, 0};
 QueryFields queryWith(const ResultList& results)
 {
     QueryFields query;
-    query._UUID = u"QUERY"_qs;
+    query._uuid = u"QUERY"_qs;
     query._currentResult = results;
     return query;
 }

@@ -86,7 +86,7 @@ TEST_F(PageCacheFiles, NamesThatLeadElsewhereDeleteNothing)
     makeFile("../precious/file"_q);
     for (const QString& uuid : {"../precious"_q, ".."_q, "."_q, ""_q, "./"_q + group->UUID()}) {
         QueryFields fields;
-        fields._UUID = uuid;
+        fields._uuid = uuid;
         const QueryCorePtr hostile = QueryCore::fromArchive(fields);
         root->addChild(hostile);
         hostile->remove();

@@ -187,7 +187,7 @@ TEST(QueryArchive, MissingEntriesReadAsTheirDefaults)
     EXPECT_EQ(fields._wordsRestriction, 0);
     EXPECT_EQ(fields._websiteRestriction, QStringLiteral(""));
     EXPECT_TRUE(fields._isSuscribedToBlacklist);
-    EXPECT_FALSE(fields._UUID.isEmpty());
+    EXPECT_FALSE(fields._uuid.isEmpty());
     EXPECT_NE(onlyChild(loadTree(xmlTree("", "")))->UUID(), query->UUID()) << "made anew with every load";
 }
 
