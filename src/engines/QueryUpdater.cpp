@@ -1,11 +1,24 @@
 #include "engines/QueryUpdater.h"
 
 #include "engines/QueryUpdate.h"
+#include "text/CSRegex.h"
 
 #include <exception>
 #include <system_error>
 
 namespace quarry {
+
+namespace {
+
+/// What the person who wrote the expression can go by.
+QString faultOfExpression(const QueryCore& node, const CSRegexException& fault)
+{
+    const QString text =
+        QStringLiteral("its URL expression \"") + node.urlRegularExpressions() + QStringLiteral("\" is not valid");
+    return fault.reason().isEmpty() ? text : text + QStringLiteral(": ") + fault.reason();
+}
+
+} // namespace
 
 QueryUpdater::QueryUpdater(QueryUpdateParts parts, std::size_t mostRunning)
     : _parts(std::move(parts)), _mostRunning(mostRunning)
@@ -92,6 +105,8 @@ void QueryUpdater::runOne(const QueryCorePtr& node) noexcept
 {
     try {
         QueryUpdate(_parts, node).run();
+    } catch (const CSRegexException& fault) {
+        reportFailure(node, faultOfExpression(*node, fault));
     } catch (const std::exception& fault) {
         reportFailure(node, QString::fromLocal8Bit(fault.what()));
     } catch (...) {

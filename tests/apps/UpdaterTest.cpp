@@ -69,6 +69,23 @@ TEST_F(UpdaterTest, NamesAServiceThatCannotBeReadAndGoesOn)
     EXPECT_EQ(query(u"wasps"_qs)->nbItems(), 1);
 }
 
+TEST_F(UpdaterTest, ABadUrlExpressionEndsItsOwnUpdateWithALine)
+{
+    services.results = {{Google, {u"http://h/docs/1"_qs, u"http://h/blog/1"_qs}}};
+    edit([](const QueryCorePtr& root) {
+        for (const QString& expression : {u"/docs/"_qs, u"/docs/("_qs})
+            root->addChild(QueryCore::initWithAdvancedQuery(u"bees "_qs + expression, 1, QString(), expression));
+    });
+    const Ended ended = run({});
+    EXPECT_EQ(ended.status, 3);
+    EXPECT_TRUE(ended.text.contains(
+        u"bees /docs/(: failed: its URL expression \"/docs/(\" is not valid: Parentheses '( )' not balanced\n"_qs))
+        << qPrintable(ended.text);
+    EXPECT_EQ(query(u"bees /docs/"_qs)->nbItems(), 1);
+    EXPECT_EQ(query(u"bees /docs/("_qs)->nbItems(), 0);
+    EXPECT_EQ(query(u"bees /docs/("_qs)->date(), Date::reference());
+}
+
 TEST_F(UpdaterTest, AnInterruptEndsItAtOnceAndKeepsWhatWasFound)
 {
     for (const QString& text : {u"quick"_qs, u"hangs"_qs, u"waits"_qs})

@@ -2,10 +2,9 @@
 
 #include "engines/Records.h"
 #include "engines/UpdateRig.h"
+#include "engines/UrlFilter.h"
 
 #include <gtest/gtest.h>
-
-#include <stdexcept>
 
 namespace quarry {
 namespace {
@@ -203,6 +202,37 @@ TEST(QueryUpdate, RestrictsPagesAndFiltersAddressesWhereTheQueryAsksForIt)
     }
 }
 
+TEST(QueryUpdate, KeepsTheAddressesThatItsExpressionMatches)
+{
+    struct Case {
+        const char* name;
+        QueryCorePtr node;
+        QStringList kept;
+    };
+    const auto single = [](const QString& expression) {
+        return QueryCore::initWithAdvancedQuery(u"a"_qs, 1, QString(), expression);
+    };
+    // A combined query's expression stands in a text that a link has to hold as it is.
+    const QueryCorePtr combinedExpression = combined({u"m"_qs}, 1, QString());
+    combinedExpression->changeWithCombinedQuery({u"m"_qs}, 1, QString(), u"/docs/"_qs);
+    for (const Case& c : {
+             Case{"anywhere", single(u"/docs/[0-9]+"_qs), {u"http://g/docs/1"_qs, u"http://g/docs/22?q"_qs}},
+             Case{"anchored", single(u"^http://g/docs/1$"_qs), {u"http://g/docs/1"_qs}},
+             Case{"with case", single(u"/DOCS/"_qs), {}},
+             Case{"combined", combinedExpression, {}},
+         }) {
+        UpdateRig rig;
+        rig.steps.filterByUrl = filterByUrl;
+        rig.results[Google] = {u"http://g/docs/1"_qs, u"http://g/blog/1"_qs, u"http://g/docs/22?q"_qs};
+        rig.update(rig.add(c.node));
+        EXPECT_EQ(rig.lastFacts().end, UpdateEnd::Updated) << c.name;
+        QStringList kept = addressesOf(c.node->results().value_or(ResultList()));
+        kept.sort();
+        EXPECT_EQ(kept, c.kept) << c.name;
+    }
+    EXPECT_EQ(filterByUrl({ResultRecord(), linkTo(u"http://h/"_qs)}, u".*"_qs).size(), 1) << "one has no address";
+}
+
 TEST(QueryUpdate, PutsLinksIntoTheTreeThatIsInUseByThen)
 {
     UpdateRig rig;
@@ -303,15 +333,17 @@ TEST(QueryUpdater, AnExceptionEndsItsOwnUpdateOnly)
     UpdateRig rig;
     const QueryCorePtr bad = rig.add(QueryCore::initWithAdvancedQuery(u"bad"_qs, 1, QString(), u"("_qs));
     const QueryCorePtr good = rig.addPlain(u"good"_qs);
-    rig.steps.filterByUrl = [](const ResultList&, const QString&) -> ResultList {
-        throw std::runtime_error("unbalanced parenthesis");
-    };
+    rig.results[Google] = {u"http://h/1"_qs};
+    const QString fault = u"its URL expression \"(\" is not valid: Parentheses '( )' not balanced"_qs;
+    rig.steps.filterByUrl = filterByUrl;
     rig.update(rig.root);
     ASSERT_EQ(rig.ended.size(), 2U);
     for (const auto& [title, facts] : rig.ended) {
         EXPECT_EQ(facts.end, title == u"bad"_qs ? UpdateEnd::Failed : UpdateEnd::Updated);
-        EXPECT_EQ(facts.error, title == u"bad"_qs ? u"unbalanced parenthesis"_qs : QString());
+        EXPECT_EQ(facts.error, title == u"bad"_qs ? fault : QString());
     }
+    EXPECT_EQ(bad->nbItems(), 0);
+    EXPECT_EQ(rig.journal.size(), 1U);
     EXPECT_EQ(rig.posted, QStringList({u"uptDidFinish good"_qs, u"DBInternalUpdate good"_qs}));
     EXPECT_EQ(bad->date(), Date::reference());
     EXPECT_TRUE(bad->isUpdating());

@@ -6,6 +6,7 @@
 #include "database/Preferences.h"
 #include "database/Schedule.h"
 #include "engines/QueryUpdater.h"
+#include "engines/UrlFilter.h"
 #include "platform/FileLock.h"
 
 #include <QFileInfo>
@@ -85,6 +86,7 @@ int Refresh::refresh()
                                             settings.resultsPerEngine};
     QueryUpdateParts parts = {work.addresses, fetching, _notifications, {}, settings.numberOfNewLinks, {}, {},
                               &_progress};
+    parts.steps.filterByUrl = filterByUrl;
     parts.findQuery = [&work](const QString& uuid) { return work.database->queryForUUID(uuid); };
     parts.journal = [&work](const BroughtUpdate& brought) { work.journal->add(brought); };
     work.updater.emplace(parts);
