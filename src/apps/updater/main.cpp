@@ -25,7 +25,7 @@ void watch(StopSignals& signals, Refresh& refresh)
     const auto asked = std::chrono::steady_clock::now();
     while (signals.waitForNext()) {
         if (std::chrono::steady_clock::now() - asked > OneRequest)
-            std::_Exit(Stopped);
+            std::quick_exit(Stopped);
     }
 }
 
