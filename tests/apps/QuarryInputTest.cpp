@@ -74,6 +74,33 @@ TEST(QuarryInput, EveryCommandHasHelpWithExamples)
     }
 }
 
+TEST(QuarryInput, CompletionKnowsCommandsOptionsAndTitles)
+{
+    const TemporaryHome home;
+    ASSERT_EQ(runQuarry(home.path(), {u"add"_s, u"raised bed"_s}).status, 0);
+    const struct {
+        QStringList typed;
+        QString completed;
+    } cases[] = {
+        {{u"re"_s}, u"results rename remove read refresh"_s},
+        {{u"results"_s, u"--s"_s}, u"--sort --search"_s},
+        {{u"--home"_s, home.path(), u"show"_s, u"RAI"_s}, u"raised\\ bed"_s},
+        {{u"--home"_s, home.path(), u"show"_s, u"x"_s}, u""_s},
+    };
+    for (const auto& each : cases) {
+        QProcess bash;
+        bash.start(u"bash"_s,
+                   QStringList{u"-c"_s, uR"(PATH="$1:$PATH"; . "$2"; shift 2; COMP_WORDS=(quarry "$@"); COMP_CWORD=$#
+                                              _quarry; printf '%s' "${COMPREPLY[*]}")"_s,
+                               u"bash"_s, QStringLiteral(QUARRY_BUNDLE_DIR "/bin"),
+                               QStringLiteral(QUARRY_TEST_DATA "/../../resources/completion/quarry.bash")} +
+                       each.typed);
+        ASSERT_TRUE(bash.waitForFinished());
+        EXPECT_EQ(QString::fromUtf8(bash.readAllStandardOutput()), each.completed)
+            << each.typed.join(u' ').toStdString();
+    }
+}
+
 TEST(QuarryInput, ReadingMakesNothingInAHomeWhereNothingIs)
 {
     const QTemporaryDir home;

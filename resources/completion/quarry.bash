@@ -1,0 +1,43 @@
+# Completion of quarry for bash: commands and options as quarry itself names them, and the titles of queries.
+
+_quarry_titles() {
+    local -a home=()
+    local i
+    for ((i = 1; i < COMP_CWORD; i++)); do
+        if [[ ${COMP_WORDS[i]} == --home ]]; then home=(--home "${COMP_WORDS[i + 1]}"); fi
+    done
+    quarry list --json "${home[@]}" 2>/dev/null | sed -n 's/^ *"title": "\([^\\]*\)",\{0,1\}$/\1/p'
+}
+
+_quarry() {
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command=
+    COMPREPLY=()
+    if [[ $previous == --home ]]; then
+        compopt -o dirnames
+        return
+    fi
+    local i
+    for ((i = 1; i < COMP_CWORD; i++)); do
+        if [[ ${COMP_WORDS[i]} == --home ]]; then
+            ((i++))
+        elif [[ ${COMP_WORDS[i]} != -* ]]; then
+            command=${COMP_WORDS[i]}
+            break
+        fi
+    done
+    local words
+    if [[ -z $command ]]; then
+        words=$(quarry --help 2>/dev/null | sed -n 's/^  \(-*[a-z][a-z-]*\).*/\1/p')
+        mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+    elif [[ $current == -* ]]; then
+        words=$(quarry "$command" --help 2>/dev/null | sed -n '/^Examples/q; s/^  .*\(--[a-z-]*\).*/\1/p')
+        mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+    else
+        local title
+        while IFS= read -r title; do
+            if [[ ${title,,} == "${current,,}"* ]]; then COMPREPLY+=("$(printf '%q' "$title")"); fi
+        done < <(_quarry_titles)
+    fi
+}
+
+complete -F _quarry quarry
