@@ -1,5 +1,7 @@
 #include "platform/CurlPageLoader.h"
 
+#include "platform/NetworkReach.h"
+
 #include <curl/curl.h>
 
 #include <array>
@@ -39,6 +41,8 @@ struct Transfer {
     LoadedPage page;
     std::size_t maximum = 0;
     bool tooLarge = false;
+    const CurlPageLoader::AddressRule* mayConnect = nullptr;
+    bool refused = false; ///< The rule said no.
     SteadyClock::time_point started = SteadyClock::now();
     SteadyClock::time_point lastData = started;
     std::array<char, CURL_ERROR_SIZE> fault{};
@@ -66,6 +70,36 @@ std::size_t takeHeader(char*, std::size_t, std::size_t size, void* context)
 {
     static_cast<Transfer*>(context)->lastData = SteadyClock::now();
     return size;
+}
+
+bool allows(Transfer& transfer, const QByteArray& ip)
+{
+    if ((*transfer.mayConnect)(ip))
+        return true;
+    transfer.refused = true;
+    return false;
+}
+
+/// For each address before it is connected to.
+curl_socket_t openSocket(void* context, curlsocktype, curl_sockaddr* address)
+{
+    if (!allows(*static_cast<Transfer*>(context), numericAddress(address->addr)))
+        return CURL_SOCKET_BAD;
+    return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+}
+
+/// Before each request: its connection may have been opened earlier on this thread, by a loader that may go further.
+int checkConnection(void* context, char* peer, char*, int, int)
+{
+    return allows(*static_cast<Transfer*>(context), peer) ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
+}
+
+void setAddressRule(CURL* easy, Transfer& transfer)
+{
+    curl_easy_setopt(easy, CURLOPT_OPENSOCKETFUNCTION, openSocket);
+    curl_easy_setopt(easy, CURLOPT_OPENSOCKETDATA, &transfer);
+    curl_easy_setopt(easy, CURLOPT_PREREQFUNCTION, checkConnection);
+    curl_easy_setopt(easy, CURLOPT_PREREQDATA, &transfer);
 }
 
 void setCallbacks(CURL* easy, Transfer& transfer)
@@ -211,7 +245,8 @@ void takeInfo(CURL* easy, LoadedPage& page)
 
 } // namespace
 
-CurlPageLoader::CurlPageLoader(const Limits& limits) : _limits(limits), _directHosts(directHosts())
+CurlPageLoader::CurlPageLoader(const Limits& limits, AddressRule mayConnect)
+    : _limits(limits), _mayConnect(std::move(mayConnect)), _directHosts(_mayConnect ? QByteArray("*") : directHosts())
 {
     // The library asks for this before the first thread uses it; a magic static does it once.
     static const CURLcode ready = curl_global_init(CURL_GLOBAL_DEFAULT);
@@ -234,10 +269,15 @@ LoadedPage CurlPageLoader::load(const QByteArray& address)
     setRequest(easy, address, _limits);
     setCallbacks(easy, transfer);
     curl_easy_setopt(easy, CURLOPT_NOPROXY, _directHosts.constData());
+    transfer.mayConnect = &_mayConnect;
+    if (_mayConnect)
+        setAddressRule(easy, transfer);
 
     transfer.page.error = drive(handles, transfer, _limits, _stopped);
     if (transfer.tooLarge)
         transfer.page.error = QStringLiteral("the page is too large");
+    else if (transfer.refused && !transfer.page.ok())
+        transfer.page.error = QStringLiteral("the address is not one of the public network");
     takeInfo(easy, transfer.page);
     if (!transfer.page.ok())
         transfer.page.bytes.clear();

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 
 namespace quarry {
 
@@ -21,8 +22,14 @@ public:
         long redirects = 10;
     };
 
+    /// Whether a loader may connect to an IP address.
+    using AddressRule = std::function<bool(const QByteArray& ip)>;
+
     CurlPageLoader() : CurlPageLoader(Limits()) {}
-    explicit CurlPageLoader(const Limits& limits);
+    explicit CurlPageLoader(const Limits& limits) : CurlPageLoader(limits, {}) {}
+    /// A loader that connects, redirects included, only where the rule allows it; an empty rule allows everything. With
+    /// a rule no proxy is asked: what a proxy connects to cannot be seen.
+    CurlPageLoader(const Limits& limits, AddressRule mayConnect);
     ~CurlPageLoader() override;
 
     [[nodiscard]] LoadedPage load(const QByteArray& address) override;
@@ -33,6 +40,7 @@ public:
 
 private:
     Limits _limits;
+    AddressRule _mayConnect;
     QByteArray _directHosts; ///< Hosts that no proxy is asked for.
     std::atomic<bool> _stopped{false};
     static_assert(std::atomic<bool>::is_always_lock_free);

@@ -1,5 +1,6 @@
 #include "platform/CurlPageLoader.h"
 
+#include "platform/NetworkReach.h"
 #include "support/LoopbackServer.h"
 
 #include <gtest/gtest.h>
@@ -148,6 +149,59 @@ TEST(CurlPageLoader, TheMachineItselfIsReachedWithoutAProxy)
     EXPECT_EQ(loader.load(server.address()).bytes, "direct");
     qunsetenv("http_proxy");
     qunsetenv("no_proxy");
+}
+
+TEST(CurlPageLoader, ConnectsOnlyWhereItMay)
+{
+    LoopbackServer server([](const QByteArray& head, const Send& send) {
+        if (pathOf(head) == "/away")
+            send(LoopbackServer::reply("", "302 Found", "Location: http://127.0.0.2:1/\r\n"));
+        else
+            send(LoopbackServer::reply("the page"));
+    });
+    const QString refusal = QStringLiteral("the address is not one of the public network");
+    CurlPageLoader publicOnly(CurlPageLoader::Limits(), [](const QByteArray& ip) { return !isPrivateAddress(ip); });
+    const QByteArray port = QByteArray::number(server.port());
+    for (const char* host : {"127.0.0.1", "localhost", "0.0.0.0", "[::1]", "[::ffff:127.0.0.1]", "127.1"})
+        EXPECT_EQ(publicOnly.load(QByteArray("http://") + host + ":" + port + "/").error, refusal) << host;
+    EXPECT_TRUE(server.requests().empty());
+
+    CurlPageLoader oneHost(CurlPageLoader::Limits(), [](const QByteArray& ip) { return ip == "127.0.0.1"; });
+    EXPECT_EQ(oneHost.load(server.address()).bytes, "the page");
+    EXPECT_EQ(oneHost.load(server.address("/away")).error, refusal);
+    EXPECT_EQ(server.requests().size(), 2U);
+}
+
+TEST(CurlPageLoader, ARuleHoldsForConnectionsThatAreOpenAlready)
+{
+    LoopbackServer* running = nullptr;
+    LoopbackServer server([&](const QByteArray&, const Send& send) {
+        send(LoopbackServer::reply("the page"));
+        running->waitForClient();
+    });
+    running = &server;
+    CurlPageLoader anywhere;
+    CurlPageLoader nowhere(CurlPageLoader::Limits(), [](const QByteArray&) { return false; });
+    EXPECT_EQ(anywhere.load(server.address()).bytes, "the page");
+    EXPECT_EQ(nowhere.load(server.address()).error, QStringLiteral("the address is not one of the public network"));
+    EXPECT_EQ(server.requests().size(), 1U);
+}
+
+TEST(NetworkReach, TellsPublicAddressesFromOthers)
+{
+    for (const char* ip : {"127.0.0.1",       "10.255.0.1",      "172.16.0.1",    "172.31.255.255",
+                           "192.168.1.1",     "169.254.169.254", "100.64.0.1",    "0.0.0.0",
+                           "224.0.0.1",       "255.255.255.255", "::1",           "::",
+                           "fd00::1",         "fe80::1",         "fe80::1%eth0",  "ff02::1",
+                           "::ffff:10.0.0.1", "64:ff9b::7f00:1", "2002:7f00:1::", "nonsense"})
+        EXPECT_TRUE(isPrivateAddress(ip)) << ip;
+    for (const char* ip : {"8.8.8.8", "172.15.0.1", "172.32.0.1", "100.128.0.1", "192.167.1.1", "223.255.255.255",
+                           "2606:4700::1111", "::ffff:8.8.8.8", "64:ff9b::808:808", "2002:808:808::"})
+        EXPECT_FALSE(isPrivateAddress(ip)) << ip;
+    for (const char* host : {"localhost", "127.0.0.1", "[::1]", "192.168.0.9"})
+        EXPECT_TRUE(isPrivateHost(QString::fromLatin1(host))) << host;
+    for (const char* host : {"8.8.8.8", "no.such.host.invalid"})
+        EXPECT_FALSE(isPrivateHost(QString::fromLatin1(host))) << host;
 }
 
 } // namespace
