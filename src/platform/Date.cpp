@@ -2,13 +2,25 @@
 
 #include <QDateTime>
 
+#include <algorithm>
 #include <cmath>
 
 namespace quarry {
 
+/// Milliseconds since 1970. A file may hold any number as a date, none at all included: what no calendar shows
+/// becomes the nearest date with a year of four digits.
+static qint64 shownMilliseconds(Date date)
+{
+    constexpr double Earliest = -62135596800.0; // 0001-01-01
+    constexpr double Latest = 253402300799.0;   // 9999-12-31
+    const double seconds = date.unixSeconds();
+    const double shown = std::isnan(seconds) ? 0.0 : std::min(std::max(seconds, Earliest), Latest);
+    return static_cast<qint64>(std::floor(shown * 1000.0));
+}
+
 QString Date::description() const
 {
-    const QDateTime local = QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(std::floor(unixSeconds() * 1000.0)));
+    const QDateTime local = QDateTime::fromMSecsSinceEpoch(shownMilliseconds(*this));
     const int offset = local.offsetFromUtc();
     const int minutes = std::abs(offset) / 60;
     return QStringLiteral("%1 %2%3%4")
@@ -20,8 +32,7 @@ QString Date::description() const
 
 QString Date::isoText() const
 {
-    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(std::floor(unixSeconds() * 1000.0)), Qt::UTC)
-        .toString(Qt::ISODate);
+    return QDateTime::fromMSecsSinceEpoch(shownMilliseconds(*this), Qt::UTC).toString(Qt::ISODate);
 }
 
 } // namespace quarry

@@ -172,16 +172,20 @@ private:
         return _file.close() || fail(errno);
     }
 
-    /// The kernel's file times advance in steps of some milliseconds. A file replaced twice within one step must
-    /// still show a new date: the date is what tells the other programs to read it again.
+    /// The kernel's file times advance in steps of some milliseconds. A file replaced several times within one step
+    /// must still show a new date each time: the date is what tells the other programs to read it again. So it never
+    /// goes back to an earlier version's either, unless the clock did.
     void stepPastOldDate()
     {
+        constexpr std::int64_t LongestStep = 1000000000;
         struct stat old {};
         struct stat written {};
-        if (::stat(_path.constData(), &old) != 0 || ::fstat(_file.get(), &written) != 0 ||
-            stampOf(old).modifiedNanoseconds != stampOf(written).modifiedNanoseconds)
+        if (::stat(_path.constData(), &old) != 0 || ::fstat(_file.get(), &written) != 0)
             return;
-        struct timespec times[2] = {written.st_atim, written.st_mtim};
+        const std::int64_t ahead = stampOf(old).modifiedNanoseconds - stampOf(written).modifiedNanoseconds;
+        if (ahead < 0 || ahead > LongestStep)
+            return;
+        struct timespec times[2] = {written.st_atim, old.st_mtim};
         times[1].tv_nsec += 1000;
         if (times[1].tv_nsec >= 1000000000) {
             times[1].tv_nsec -= 1000000000;
@@ -195,12 +199,15 @@ private:
     {
         if (mayReplace)
             return ::rename(_temporary.constData(), _path.constData()) == 0 || fail(errno);
-        if (::link(_temporary.constData(), _path.constData()) != 0) {
-            _result.alreadyThere = errno == EEXIST;
-            return fail(errno);
+        if (::renameat2(AT_FDCWD, _temporary.constData(), AT_FDCWD, _path.constData(), RENAME_NOREPLACE) == 0)
+            return true;
+        // A file system that cannot do it that way may have hard links; some have only one of the two.
+        if (errno != EEXIST && ::link(_temporary.constData(), _path.constData()) == 0) {
+            ::unlink(_temporary.constData());
+            return true;
         }
-        ::unlink(_temporary.constData());
-        return true;
+        _result.alreadyThere = errno == EEXIST;
+        return fail(errno);
     }
 
     /// The new file stands; where its folder cannot be written through, only a crash of the whole machine within
