@@ -228,7 +228,7 @@ QByteArray writeXmlPropertyList(const PlistValue& value)
     xml.writeAttribute(QStringLiteral("version"), QStringLiteral("1.0"));
     XmlForm(xml).write(value);
     xml.writeEndDocument();
-    return bytes;
+    return xml.hasError() ? QByteArray() : bytes;
 }
 
 } // namespace quarry

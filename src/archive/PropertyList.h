@@ -79,7 +79,7 @@ private:
 [[nodiscard]] std::optional<PlistValue> readPropertyList(const QByteArray& bytes, QString* reason = nullptr);
 
 /// The XML form, keys sorted. Dates keep whole seconds; null values and UIDs, which the form does not have, are
-/// left out.
+/// left out. Empty when a text holds a character that the form cannot.
 [[nodiscard]] QByteArray writeXmlPropertyList(const PlistValue& value);
 
 } // namespace quarry

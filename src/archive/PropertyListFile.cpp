@@ -61,7 +61,10 @@ QString PropertyListFile::change(const std::function<void(PlistValue::Dictionary
     apply(entries);
     if (loaded.entries && *loaded.entries == entries)
         return {};
-    return _files.replace(_path, QStringLiteral(".settings"), 0660, writeXmlPropertyList(entries)).error;
+    const QByteArray bytes = writeXmlPropertyList(entries);
+    if (bytes.isEmpty())
+        return QStringLiteral("%1 was not changed: it holds a text that cannot be written").arg(_path);
+    return _files.replace(_path, QStringLiteral(".settings"), 0660, bytes).error;
 }
 
 } // namespace quarry

@@ -32,6 +32,11 @@ TEST(PropertyList, EveryTypeSurvivesTheXmlForm)
     EXPECT_EQ(read->dictionary()->size(), everything.dictionary()->size());
 }
 
+TEST(PropertyList, ATextThatTheFormCannotHoldIsNotWrittenInPart)
+{
+    EXPECT_TRUE(writeXmlPropertyList(PlistValue::Dictionary{{QStringLiteral("a"), QString(QChar(1))}}).isEmpty());
+}
+
 TEST(PropertyList, WhatIsNoPropertyListIsRefusedWithAReason)
 {
     for (const char* bytes : {"", "hello", "bplist00", "<?xml version=\"1.0\"?><plist><dict><key>a</key>", "{}"}) {
