@@ -3,8 +3,6 @@
 #include "model/ResultComparator.h"
 #include "text/Uuid.h"
 
-#include <QHash>
-
 namespace quarry {
 
 static const QHash<QString, NodeKey>& nodeKeys()
@@ -169,17 +167,29 @@ QMap<QString, bool> NodeReader::excludedDomains()
 {
     QMap<QString, bool> hosts;
     const auto pairs = _reader.pairs(entry(NodeKey::ExcludedDomains));
-    if (!pairs || !_reader.spend(pairs->keys.count())) {
+    // Many queries exclude the same hosts, and a host that is there already adds four bytes and less.
+    if (!pairs || !_reader.spend(pairs->keys.count() / 4)) {
         keep(NodeKey::ExcludedDomains);
         return hosts;
     }
     for (std::uint64_t i = 0; i < pairs->keys.count() && !_reader.failed(); ++i) {
-        const auto host = _reader.text(_reader.value(pairs->keys.at(i)));
+        const std::optional<QString> host = sharedText(_reader.value(pairs->keys.at(i)));
         const auto number = _reader.number(_reader.value(pairs->values.at(i)));
-        if (host && _reader.spendBytes(host->length()))
-            hosts.insert(host->toString(), !number || number->real != 0.0);
+        if (host)
+            hosts.insert(*host, !number || number->real != 0.0);
     }
     return hosts;
+}
+
+std::optional<QString> NodeReader::sharedText(const ArchivedValue& value)
+{
+    const auto known = _sharedTexts.constFind(value.object);
+    if (known != _sharedTexts.constEnd())
+        return *known;
+    const auto text = _reader.text(value);
+    if (!text || !_reader.spendBytes(text->length()))
+        return std::nullopt;
+    return *_sharedTexts.insert(value.object, text->toString());
 }
 
 std::optional<QList<ArchivedValue>> NodeReader::childs()

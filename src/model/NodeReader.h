@@ -6,6 +6,8 @@
 #include "model/QueryFields.h"
 #include "model/RecordArchive.h"
 
+#include <QHash>
+
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -47,12 +49,15 @@ private:
     [[nodiscard]] std::optional<QStringList> combinedQueries();
     [[nodiscard]] QMap<QString, bool> excludedDomains();
     [[nodiscard]] std::optional<QList<ArchivedValue>> childs();
+    /// One that many nodes have: decoded once.
+    [[nodiscard]] std::optional<QString> sharedText(const ArchivedValue& value);
 
     ArchiveReader& _reader;
     OpaqueValues& _opaque;
     RecordReader _records;
     std::array<std::uint32_t, NodeKeyCount> _slots{}; ///< Of the node at hand.
     QueryFields _fields;
+    QHash<std::uint32_t, QString> _sharedTexts; ///< By object.
 };
 
 } // namespace quarry

@@ -10,9 +10,6 @@ namespace quarry {
 
 namespace {
 
-/// Folders in folders; deeper ones no person made.
-constexpr int MaximumDepth = 256;
-
 class TreeReader final {
 public:
     explicit TreeReader(const std::shared_ptr<const KeyedArchive>& archive)
@@ -44,7 +41,7 @@ private:
 
     QueryCorePtr readNode(const ArchivedValue& value, std::uint32_t holder, int depth)
     {
-        if (depth > MaximumDepth)
+        if (depth > MaximumTreeDepth)
             _reader.fail(QStringLiteral("the archive's folders are nested too deeply"));
         if (_reader.failed())
             return nullptr;

@@ -29,22 +29,25 @@ public:
     explicit TreeSnapshot(const QueryCorePtr& root)
     {
         const TreeLock lock;
-        add(root);
+        add(root, 0);
     }
     [[nodiscard]] const std::vector<NodeSnapshot>& nodes() const { return _nodes; }
+    [[nodiscard]] bool canBeReadBack() const { return !_nodes.empty() && !_isTooDeep; }
 
 private:
-    void add(const QueryCorePtr& node)
+    void add(const QueryCorePtr& node, int depth)
     {
-        if (!node || !_seen.insert(node.get()).second)
+        _isTooDeep = _isTooDeep || depth > MaximumTreeDepth;
+        if (_isTooDeep || !node || !_seen.insert(node.get()).second)
             return;
         const std::size_t index = _nodes.size();
         _nodes.push_back({node.get(), node->snapshot()});
         const auto childs = _nodes[index].state.childs.value_or(QList<QueryCorePtr>());
         for (const QueryCorePtr& child : childs)
-            add(child);
+            add(child, depth + 1);
     }
 
+    bool _isTooDeep = false;
     std::vector<NodeSnapshot> _nodes;
     std::unordered_set<QueryCore*> _seen;
 };
@@ -157,8 +160,9 @@ private:
             const auto key = static_cast<NodeKey>(i);
             const OpaqueObject* original = originalOf(NodeKeyNames[i], fields);
             // A value this program could not read, and nobody has set anew since.
-            const std::optional<Slot> slot =
-                original && isUnset(key, fields) ? std::optional(_archiver.opaque(*original)) : value(key, node.state);
+            const std::optional<Slot> slot = original && isUnset(key, node.state)
+                                                 ? std::optional(_archiver.opaque(*original))
+                                                 : value(key, node.state);
             if (slot)
                 entries.add(NodeKeyNames[i], *slot);
         }
@@ -233,8 +237,9 @@ private:
     }
 
     /// Whether a field is as reading leaves it when there is nothing to read.
-    static bool isUnset(NodeKey key, const QueryFields& fields)
+    static bool isUnset(NodeKey key, const QueryCore::Snapshot& state)
     {
+        const QueryFields& fields = state.fields;
         switch (key) {
         case NodeKey::Title:
             return !fields._title;
@@ -267,6 +272,7 @@ private:
         case NodeKey::SubscribesToBlacklist:
             return fields._isSuscribedToBlacklist;
         case NodeKey::Childs:
+            return !state.childs;
         case NodeKey::Uuid:
         case NodeKey::Parent:
             return false;
@@ -359,7 +365,7 @@ private:
 bool saveTree(const QueryCorePtr& root, ByteSink& sink)
 {
     const TreeSnapshot snapshot(root);
-    return !snapshot.nodes().empty() && TreeWriter(snapshot.nodes(), sink).write();
+    return snapshot.canBeReadBack() && TreeWriter(snapshot.nodes(), sink).write();
 }
 
 } // namespace quarry

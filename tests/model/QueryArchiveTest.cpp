@@ -221,6 +221,50 @@ TEST(QueryArchive, WhatReferencesOneAnotherInACircleIsCarriedThrough)
     }
 }
 
+TEST(QueryArchive, ChildrenInACollectionOfAnUnknownKindAreCarriedThrough)
+{
+    const QByteArray objects = "<dict><key>$class</key>" + reference(11) +
+                               "<key>kept</key><true/></dict>"
+                               "<dict><key>$classname</key><string>Later</string></dict>";
+    const LoadedTree tree = loadTree(xmlTree("<key>queryChildsKey</key>" + reference(10), objects));
+    ASSERT_TRUE(tree.root) << tree.reason.toStdString();
+    const auto opened = KeyedArchive::open(saved(tree.root));
+    ASSERT_TRUE(opened.archive) << opened.reason.toStdString();
+    ArchiveReader reader(opened.archive);
+    const auto childs = reader.list(reader.entry(reader.root(), QLatin1String("queryChildsKey")));
+    const ArchivedValue kept = reader.entry(reader.value(childs->at(0)), QLatin1String("queryChildsKey"));
+    EXPECT_EQ(reader.entry(kept, QLatin1String("kept")).item.type, PlistItem::Type::True);
+}
+
+TEST(QueryArchive, WhateverIsSavedCanBeReadBack)
+{
+    // Hosts that many queries exclude take next to no room in the file.
+    const QueryCorePtr root = QueryCore::initWithQueryFolder(QStringLiteral(""));
+    QueryFields fields;
+    fields._excludedDomains.emplace();
+    for (int host = 0; host < 400; ++host)
+        fields._excludedDomains->insert(QStringLiteral("host%1.example").arg(host), true);
+    for (int query = 0; query < 400; ++query)
+        root->addChild(QueryCore::fromArchive(fields));
+    const LoadedTree tree = loadTree(saved(root));
+    ASSERT_TRUE(tree.root) << tree.reason.toStdString();
+    EXPECT_EQ(tree.root->childs()->last()->excludedHosts(), root->childs()->last()->excludedHosts());
+
+    // As deep as is read, then one folder more.
+    const QueryCorePtr top = QueryCore::initWithQueryFolder(QStringLiteral(""));
+    QueryCorePtr deepest = top;
+    const auto goDeeper = [&deepest] {
+        const QueryCorePtr folder = QueryCore::initWithQueryFolder(QStringLiteral("f"));
+        deepest->addChild(folder);
+        deepest = folder;
+    };
+    for (int depth = 0; depth < MaximumTreeDepth; ++depth)
+        goDeeper();
+    EXPECT_TRUE(loadTree(saved(top)).root);
+    goDeeper();
+    EXPECT_TRUE(saved(top).isEmpty());
+}
+
 TEST(QueryArchive, DamageGivesATreeOrAReason)
 {
     const QByteArray whole = goldenFile("db_apple.qsdata");
