@@ -2,6 +2,7 @@
 // the updates in DatabaseUpdates.cpp.
 
 #include "database/QueryDatabaseEngineImpl.h"
+#include "model/TreeLock.h"
 #include "platform/SystemLog.h"
 
 #include <utility>
@@ -184,6 +185,9 @@ bool QueryDatabaseEngine::saveDatabase(bool force)
     }
     // Another thread may have saved while this one waited.
     const std::lock_guard lock(_impl->fileMutex);
+    // The empty tree that stands for a damaged file says nothing that would be worth the file.
+    if (_impl->file.isKnownDamage() && _impl->root->get()->numberOfChilds() == 0)
+        return true;
     return (!force && _impl->isThrottled()) || _impl->saveLocked().outcome == DatabaseFile::Saving::Done;
 }
 
@@ -206,6 +210,12 @@ QString QueryDatabaseEngine::lastError() const
     return _impl->lastError;
 }
 
+bool QueryDatabaseEngine::isFileDamaged() const
+{
+    const std::lock_guard lock(_impl->fileMutex);
+    return _impl->reported.outcome == DatabaseFile::Outcome::Damaged;
+}
+
 QString QueryDatabaseEngine::damagedCopy() const
 {
     const std::lock_guard lock(_impl->fileMutex);
@@ -222,14 +232,19 @@ QString QueryDatabaseEngine::edit(const Change& change)
         return error;
     const std::lock_guard lock(_impl->fileMutex);
     DatabaseFile::Saved saved;
+    // What a removed query has on the disk goes when the file no longer holds the query, and not before.
+    TreeLock::Postponed deletions;
     for (int attempt = 0; attempt < MostAttempts; ++attempt) {
+        deletions.drop();
         if (QString reason = applyToCurrentTree(change); !reason.isEmpty())
             return reason;
         saved = _impl->saveLocked();
         if (saved.outcome != DatabaseFile::Saving::ChangedMeanwhile)
             break;
     }
-    if (saved.outcome != DatabaseFile::Saving::Done) {
+    if (saved.outcome == DatabaseFile::Saving::Done) {
+        deletions.run();
+    } else {
         _impl->revert();
         _impl->setLastError(saved.error);
     }

@@ -61,13 +61,16 @@ public:
 
     // --- File ---------------------------------------------------------------------------------------------------
     /// Dropped while a save is being written, and, unless forced, within 60 seconds of the last; within an edit it is
-    /// left to the edit's own. Takes the writer lock. Returns false only when it was tried and failed, which is also
-    /// so when another program changed the file since it was last read here; lastError() then says why.
+    /// left to the edit's own; the empty tree that stands for a damaged file is never saved so. Takes the writer lock.
+    /// Returns false only when it was tried and failed, which is also so when another program changed the file since
+    /// it was last read here; lastError() then says why.
     bool saveDatabase(bool force);
     /// Reads the file again when its modification date is another than the one last seen. Does nothing within an edit.
     void dbSynchCheck();
     /// One line for a person about the last failed load or save; empty when it went well.
     [[nodiscard]] QString lastError() const;
+    /// The file that stands there did not decode, and an empty tree took its place.
+    [[nodiscard]] bool isFileDamaged() const;
     /// Where a file that did not decode was copied to; empty when there was none.
     [[nodiscard]] QString damagedCopy() const;
 

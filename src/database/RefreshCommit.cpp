@@ -26,6 +26,10 @@ QString RefreshCommit::commit()
         links = _waiting;
     }
     QString error = _database.edit([&](QueryDatabaseEngine& database) {
+        // An empty tree stands for the damaged file then. Saved with nothing in it, it would be all that is left, and
+        // the links would be lost; kept, they find their queries when a good file is put in its place.
+        if (database.isFileDamaged())
+            return QStringLiteral("the database was damaged meanwhile; nothing was saved");
         for (const BroughtUpdate& brought : links) {
             const QueryCorePtr node = database.queryForUUID(brought.queryUuid);
             if (node && node->isLeaf() && node != brought.mergedInto.lock())

@@ -30,6 +30,24 @@ TEST_F(DatabaseFaults, AFullDiskLosesNothingAndSaysSo)
     EXPECT_EQ(titlesInFile().size(), 2);
 }
 
+TEST_F(DatabaseFaults, AQueryKeepsItsPagesUntilItsRemovalIsSaved)
+{
+    Engine engine(parts(), Engine::AtEnd::Discard);
+    ASSERT_EQ(add(engine, QStringLiteral("a")), QString());
+    const QString pages = home->queryCacheFolder(engine.queries()->first()->UUID());
+    ASSERT_TRUE(QDir().mkpath(pages));
+    const auto removeFirst = [](Engine& database) {
+        database.removeQuery(database.queries()->first());
+        return QString();
+    };
+    files.failWrites = true;
+    EXPECT_NE(engine.edit(removeFirst), QString());
+    EXPECT_TRUE(QDir(pages).exists());
+    files.failWrites = false;
+    EXPECT_EQ(engine.edit(removeFirst), QString());
+    EXPECT_FALSE(QDir(pages).exists());
+}
+
 TEST_F(DatabaseFaults, AFileThatCannotBeReadIsNeverReplaced)
 {
     ASSERT_EQ(addElsewhere(QStringLiteral("a")), QString());

@@ -67,6 +67,20 @@ TEST_F(RefreshCommits, EditsDuringTheRefreshAndTheRefreshBothSurvive)
     EXPECT_EQ(resultsInFile(), QStringLiteral("a1c0"));
 }
 
+TEST_F(RefreshCommits, ADatabaseThatIsDamagedMeanwhileIsNotReplacedByAnEmptyOne)
+{
+    bring(0);
+    const QByteArray good = bytesInFile();
+    ASSERT_TRUE(writeFile(home->databaseFile(), good.left(good.size() / 2)));
+    EXPECT_NE(commit->commit(), QString());
+    EXPECT_TRUE(engine->saveDatabase(true)) << "as when the last update ends";
+    EXPECT_EQ(bytesInFile(), good.left(good.size() / 2));
+    // The user puts a backup in its place.
+    ASSERT_TRUE(writeFile(home->databaseFile(), good));
+    EXPECT_EQ(commit->commit(), QString());
+    EXPECT_EQ(resultsInFile(), QStringLiteral("a1b0"));
+}
+
 TEST_F(RefreshCommits, LinksAreKeptUntilTheyAreSaved)
 {
     bring(0);
