@@ -126,6 +126,7 @@ void writeOut(const QString& text)
 
 void writeError(const QString& text)
 {
+    std::fflush(stdout); // in a log that takes both, what was said first stands first
     write(stderr, text);
 }
 
