@@ -65,7 +65,7 @@ TEST_F(RefreshJournalTest, SavesNowAndThenAndMergesIntoWhatOthersSaved)
         return QString();
     }),
               QString());
-    RefreshJournal journal(*database, progress, 0, std::chrono::milliseconds(1));
+    RefreshJournal journal(*database, progress, {}, std::chrono::milliseconds(1));
     const Date date = clock.now();
     const BroughtUpdate first = update(database->queries()->at(0), QStringLiteral("http://h/1"), date);
     journal.add(first);

@@ -1,4 +1,6 @@
 #include "UpdaterRig.h"
+#include "archive/ArchiveReader.h"
+#include "blacklist/BlacklistStore.h"
 #include "database/Schedule.h"
 
 #include <QElapsedTimer>
@@ -84,6 +86,58 @@ TEST_F(UpdaterTest, ABadUrlExpressionEndsItsOwnUpdateWithALine)
     EXPECT_EQ(query(u"bees /docs/"_qs)->nbItems(), 1);
     EXPECT_EQ(query(u"bees /docs/("_qs)->nbItems(), 0);
     EXPECT_EQ(query(u"bees /docs/("_qs)->date(), Date::reference());
+}
+
+/// A rule as a query keeps it.
+FilterObject privateRule(const QString& text)
+{
+    const StoredBlacklist list{{BlacklistFilter::initWithRule(text, BlacklistType::Text, false, false)}, {}};
+    const auto archive = KeyedArchive::open(archivedBlacklist(list)).archive;
+    ArchiveReader reader(archive);
+    return std::make_shared<const OpaqueObject>(archive, reader.list(reader.root())->at(0));
+}
+
+TEST_F(UpdaterTest, CountsWhatTheBlacklistCatchesAndLogsItsBadExpressions)
+{
+    services.results = {{Google,
+                         {u"http://both.example/ads"_qs, u"http://ads.example/ads"_qs, u"http://own.example/private"_qs,
+                          u"http://good.example/1"_qs, u"http://good.example/2"_qs}}};
+    edit([](const QueryCorePtr& root) {
+        const QueryCorePtr bees = QueryCore::initWithQuery(u"bees"_qs);
+        bees->excludeURLString(u"http://both.example/"_qs);
+        bees->addFilter(privateRule(u"/private"_qs));
+        root->addChild(bees);
+    });
+    BlacklistStore blacklist(home, files);
+    const auto addRule = [&](const QString& rule, qint64 type) {
+        EXPECT_EQ(blacklist.change([&](BlacklistManager& list) {
+            list.addToBlacklist(BlacklistFilter::initWithRule(rule, type, true, false));
+            return true;
+        }),
+                  QString());
+    };
+    const auto linksOf = [](const Ended& ended) {
+        QStringList lines;
+        for (const QJsonObject& event : ended.events) {
+            if (event[u"event"] == u"query-finished"_qs)
+                lines.append(u"%1 %2 %3 %4"_qs.arg(event[u"title"].toString())
+                                 .arg(event[u"added"].toInt())
+                                 .arg(event[u"excluded"].toInt())
+                                 .arg(event[u"blacklisted"].toInt()));
+        }
+        return lines;
+    };
+    addRule(u"/ADS"_qs, BlacklistType::Text);
+    EXPECT_EQ(linksOf(run(Progress)), QStringList({u"bees 2 1 1"_qs}));
+    EXPECT_FALSE(QFileInfo::exists(home->logFile()));
+
+    services.results[Google] += {u"http://good.example/3"_qs, u"http://good.example/4"_qs};
+    addRule(u"good.example/3"_qs, BlacklistType::Text);
+    addRule(u"(unbalanced"_qs, BlacklistType::RegularExpression);
+    EXPECT_EQ(linksOf(run(Progress + QStringList{u"--clock-offset=24000"_qs})), QStringList({u"bees 1 1 2"_qs}));
+    // Of the links that were asked about, one came past the rules before.
+    EXPECT_EQ(test::contentOf(home->logFile()).count("Error in Regexp '(unbalanced': Parentheses '( )' not balanced\n"),
+              1);
 }
 
 TEST_F(UpdaterTest, AnInterruptEndsItAtOnceAndKeepsWhatWasFound)

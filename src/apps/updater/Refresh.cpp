@@ -1,10 +1,12 @@
 #include "apps/updater/Refresh.h"
 
 #include "apps/updater/RefreshJournal.h"
+#include "apps/updater/RefreshLog.h"
 #include "apps/updater/RefreshTargets.h"
 #include "archive/StringTable.h"
 #include "database/Preferences.h"
 #include "database/Schedule.h"
+#include "engines/BlacklistHooks.h"
 #include "engines/QueryUpdater.h"
 #include "engines/UrlFilter.h"
 #include "platform/FileLock.h"
@@ -23,11 +25,16 @@ constexpr std::chrono::milliseconds PauseBetweenStarts(500);
 struct Refresh::Work {
     StringTable texts = StringTable::ofProgram();
     SearchAddresses addresses;
+    RefreshLog log;
+    BlacklistStore blacklist;
+    PrivateFilters filters;
     std::optional<QueryDatabaseEngine> database;
     std::optional<RefreshJournal> journal;
     std::optional<QueryUpdater> updater;
 
-    Work(const SearchServices& services) : addresses(services, [this](const QString& key) { return texts.text(key); })
+    Work(const SearchServices& services, const HomeFolder& home, const Clock& clock, FileStore& files)
+        : addresses(services, [this](const QString& key) { return texts.text(key); }), log(home, clock, files),
+          blacklist(home, files)
     {
     }
 };
@@ -76,7 +83,7 @@ int Refresh::refresh()
     QString fault;
     const Preferences::Settings settings = Preferences(_home, _files).read(&fault);
     noteFault(fault);
-    Work work(services());
+    Work work(services(), _home, _clock, _files);
     const ServiceFetcher::Parts fetching = {_loader,
                                             _pauser,
                                             _clock,
@@ -87,6 +94,7 @@ int Refresh::refresh()
     QueryUpdateParts parts = {work.addresses, fetching, _notifications, {}, settings.numberOfNewLinks, {}, {},
                               &_progress};
     parts.steps.filterByUrl = filterByUrl;
+    parts.steps.merge = blacklistHooks(work.blacklist, work.filters, work.log);
     parts.findQuery = [&work](const QString& uuid) { return work.database->queryForUUID(uuid); };
     parts.journal = [&work](const BroughtUpdate& brought) { work.journal->add(brought); };
     work.updater.emplace(parts);
@@ -95,7 +103,8 @@ int Refresh::refresh()
         QueryDatabaseEngine::AtEnd::Discard);
     if (const QString error = work.database->lastError(); !error.isEmpty())
         return refuse(NotSaved, QStringLiteral("the database cannot be read: ") + error);
-    work.journal.emplace(*work.database, _progress, settings.numberOfNewLinks);
+    work.journal.emplace(*work.database, _progress,
+                         RefreshJournal::Merging{settings.numberOfNewLinks, parts.steps.merge});
     const int status = _options.queries.isEmpty() ? startAll(work) : startNamed(work);
     return status == AllUpdated ? finish(work) : status;
 }
@@ -138,6 +147,7 @@ int Refresh::finish(Work& work)
 {
     work.updater->waitUntilIdle();
     const bool isSaved = work.journal->finish();
+    work.log.waitUntilWritten();
     const bool isStopped = _pauser.isStopped();
     // Whatever came of it: without a new date the next refresh would be due at once, and the one after it.
     if (_options.queries.isEmpty() && !isStopped)

@@ -2,19 +2,18 @@
 
 namespace quarry {
 
-static void mergeAgain(QueryCore& node, const BroughtUpdate& brought, qint64 numberOfNewLinks)
+static void mergeAgain(QueryCore& node, const BroughtUpdate& brought, const RefreshJournal::Merging& merging)
 {
     // A save that came between the links' merge and their entry here has them in the file already.
     if (node.date() != brought.date)
-        mergeIntoQuery(node, brought.asked, brought.links, brought.date, numberOfNewLinks, {});
+        mergeIntoQuery(node, brought.asked, brought.links, brought.date, merging.numberOfNewLinks, merging.hooks);
 }
 
-RefreshJournal::RefreshJournal(QueryDatabaseEngine& database, RefreshProgress& progress, qint64 numberOfNewLinks,
+RefreshJournal::RefreshJournal(QueryDatabaseEngine& database, RefreshProgress& progress, Merging merging,
                                std::chrono::milliseconds every)
-    : _progress(progress), _commit(database,
-                                   [numberOfNewLinks](QueryCore& node, const BroughtUpdate& brought) {
-                                       mergeAgain(node, brought, numberOfNewLinks);
-                                   }),
+    : _progress(progress),
+      _commit(database, [merging = std::move(merging)](
+                            QueryCore& node, const BroughtUpdate& brought) { mergeAgain(node, brought, merging); }),
       _saver([this, every] { saveNowAndThen(every); })
 {
 }

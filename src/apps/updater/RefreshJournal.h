@@ -15,8 +15,13 @@ namespace quarry {
 /// Somebody else may have saved meanwhile; then the same links are merged again, into what they saved. Thread-safe.
 class RefreshJournal final {
 public:
-    /// `every` is the time between saves while the refresh runs. References must outlive it.
-    RefreshJournal(QueryDatabaseEngine& database, RefreshProgress& progress, qint64 numberOfNewLinks,
+    /// What a second merge goes by; the same as the first.
+    struct Merging {
+        qint64 numberOfNewLinks = 0;
+        MergeHooks hooks;
+    };
+    /// `every` is the time between saves while the refresh runs. References, and what the hooks use, must outlive it.
+    RefreshJournal(QueryDatabaseEngine& database, RefreshProgress& progress, Merging merging,
                    std::chrono::milliseconds every = std::chrono::minutes(1));
     ~RefreshJournal();
     RefreshJournal(const RefreshJournal&) = delete;
