@@ -265,7 +265,12 @@ QString QueryDatabaseEngine::applyToCurrentTree(const Change& change)
     };
     _impl->editor = std::this_thread::get_id();
     const Editing reset{_impl->editor};
-    return change(*this);
+    try {
+        return change(*this);
+    } catch (...) {
+        _impl->file.forget(); // Done by halves, it is not to be saved: the next look reads the file again.
+        throw;
+    }
 }
 
 } // namespace quarry
