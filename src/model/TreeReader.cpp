@@ -54,7 +54,7 @@ private:
         }
         StoredNode stored = _nodeReader.read(value);
         entry.parent = stored.parent;
-        const QueryCorePtr node = QueryCore::fromArchive(std::move(stored.fields));
+        QueryCorePtr node = QueryCore::fromArchive(std::move(stored.fields));
         if (stored.childs)
             node->setChildsFromArchive(readChilds(*stored.childs, value.object, depth, entry.visits));
         entry.node = node;
