@@ -25,9 +25,13 @@ namespace quarry::test {
 class LoopbackServices final {
 public:
     std::map<SearchService, QStringList> results;
+    /// What else is on that host, by path; set before any request.
+    std::map<QByteArray, QByteArray> pages;
 
     ~LoopbackServices() { release(); }
     [[nodiscard]] int port() const { return _server.port(); }
+    /// Of a page.
+    [[nodiscard]] QString address(const QByteArray& path) const { return QString::fromLatin1(_server.address(path)); }
     [[nodiscard]] std::size_t requestCount() const { return _server.requests().size(); }
     /// Requests that hold this text get no answer until release().
     void hold(const QByteArray& part)
@@ -46,6 +50,10 @@ private:
     void serve(const QByteArray& head, const LoopbackServer::Send& send)
     {
         const QByteArray request = head.left(head.indexOf('\r'));
+        if (const auto page = pages.find(request.split(' ').value(1)); page != pages.end()) {
+            send(LoopbackServer::reply(page->second));
+            return;
+        }
         const SearchService service = serviceOf(request).value();
         std::unique_lock lock(_mutex);
         _changed.wait(lock, [&] { return _held.isEmpty() || !request.contains(_held); });

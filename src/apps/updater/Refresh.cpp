@@ -7,9 +7,11 @@
 #include "database/Preferences.h"
 #include "database/Schedule.h"
 #include "engines/BlacklistHooks.h"
+#include "engines/PageSteps.h"
 #include "engines/QueryUpdater.h"
 #include "engines/UrlFilter.h"
 #include "platform/FileLock.h"
+#include "platform/NetworkReach.h"
 
 #include <QFileInfo>
 
@@ -30,6 +32,7 @@ struct Refresh::Work {
     PrivateFilters filters;
     std::optional<QueryDatabaseEngine> database;
     std::optional<RefreshJournal> journal;
+    std::optional<ResultPageLoaders> pages;
     std::optional<QueryUpdater> updater;
 
     Work(const SearchServices& services, const HomeFolder& home, const Clock& clock, FileStore& files)
@@ -41,7 +44,8 @@ struct Refresh::Work {
 
 Refresh::Refresh(UpdaterOptions options, RefreshProgress& progress)
     : _options(std::move(options)), _progress(progress), _home(_options.home),
-      _clock(static_cast<double>(_options.clockOffset))
+      _clock(static_cast<double>(_options.clockOffset)),
+      _publicLoader({}, [](const QByteArray& ip) { return !isPrivateAddress(ip); })
 {
 }
 
@@ -49,6 +53,7 @@ void Refresh::stop()
 {
     _pauser.stop();
     _loader.stop();
+    _publicLoader.stop();
 }
 
 int Refresh::run()
@@ -97,6 +102,7 @@ int Refresh::refresh()
     parts.steps.merge = blacklistHooks(work.blacklist, work.filters, work.log);
     parts.findQuery = [&work](const QString& uuid) { return work.database->queryForUUID(uuid); };
     parts.journal = [&work](const BroughtUpdate& brought) { work.journal->add(brought); };
+    addPageSteps(parts.steps, work);
     work.updater.emplace(parts);
     work.database.emplace(
         QueryDatabaseEngine::Parts{_home, _clock, _pauser, _files, _notifications, &*work.updater, {}},
@@ -114,6 +120,19 @@ SearchServices Refresh::services()
     const SearchServices::Loaded loaded = SearchServices::load(_home.searchServicesFile());
     noteFault(loaded.error);
     return loaded.services;
+}
+
+/// The steps that read the pages behind results.
+void Refresh::addPageSteps(UpdateSteps& steps, Work& work)
+{
+    ResultPageLoaders& pages = work.pages.emplace(_loader, _publicLoader, work.addresses.services(), isPrivateHost);
+    steps.restrictResults = [this, &pages, hooks = steps.merge](const QueryFields& query, const ResultList& records,
+                                                                const QString& text) {
+        return restrictResults(query, records, text, pages, _pauser, hooks);
+    };
+    steps.refreshChecksumOfItems = [this, &pages](const ResultList& records) {
+        return refreshChecksumOfItems(records, pages, _pauser);
+    };
 }
 
 int Refresh::startAll(Work& work)

@@ -2,6 +2,7 @@
 
 #include "apps/updater/RefreshProgress.h"
 #include "apps/updater/UpdaterOptions.h"
+#include "engines/QueryUpdateParts.h"
 #include "engines/SearchServices.h"
 #include "platform/Clock.h"
 #include "platform/CurlPageLoader.h"
@@ -29,6 +30,7 @@ private:
 
     [[nodiscard]] int refresh();
     [[nodiscard]] SearchServices services();
+    void addPageSteps(UpdateSteps& steps, Work& work);
     [[nodiscard]] int startAll(Work& work);
     [[nodiscard]] int startNamed(Work& work);
     [[nodiscard]] int finish(Work& work);
@@ -41,6 +43,7 @@ private:
     SystemClock _clock;
     ThreadPauser _pauser;
     CurlPageLoader _loader;
+    CurlPageLoader _publicLoader; ///< Keeps away from private addresses.
     DiskFileStore _files;
     NotificationCenter _notifications;
 };
