@@ -90,11 +90,19 @@ const std::vector<std::uint8_t>& RecordReader::layoutOf(const SlotList& keys)
 
 std::uint8_t RecordReader::keyIn(std::uint32_t slot)
 {
-    const ArchivedValue value = _reader.value(slot);
-    const auto text = _reader.text(value);
+    const ArchivedValue name = _reader.value(slot);
+    KnownKey& known = _knownKeys[name.object % _knownKeys.size()];
+    if (known.object != name.object || name.isNull())
+        known = {name.object, keyNamed(name)};
+    return known.key;
+}
+
+std::uint8_t RecordReader::keyNamed(const ArchivedValue& name)
+{
+    const auto text = _reader.text(name);
     for (std::size_t i = 0; text && i < RecordKeyCount; ++i) {
-        if (text->length() == static_cast<std::uint32_t>(recordKeyName(keyAt(i)).size()) &&
-            text->toString() == recordKeyName(keyAt(i)))
+        const QString& candidate = recordKeyName(keyAt(i));
+        if (text->length() == static_cast<std::uint32_t>(candidate.size()) && text->toString() == candidate)
             return static_cast<std::uint8_t>(i);
     }
     return UnknownKey;

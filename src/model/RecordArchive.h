@@ -30,6 +30,7 @@ private:
     [[nodiscard]] ResultRecord read(std::uint32_t slot);
     [[nodiscard]] const std::vector<std::uint8_t>& layoutOf(const SlotList& keys);
     [[nodiscard]] std::uint8_t keyIn(std::uint32_t slot);
+    [[nodiscard]] std::uint8_t keyNamed(const ArchivedValue& name);
     void readValue(RecordData& data, RecordKey key, std::uint32_t slot);
     /// Whether the value is of the type the key has; if not, the original is carried along.
     [[nodiscard]] bool readText(RecordData& data, RecordKey key, const ArchivedValue& value);
@@ -43,6 +44,11 @@ private:
     ArchiveReader& _reader;
     OpaqueValues& _opaque;
     std::shared_ptr<const void> _keeper;
+    struct KnownKey {
+        std::uint32_t object = KeyedArchive::NoObject;
+        std::uint8_t key = UnknownKey;
+    };
+    std::array<KnownKey, 64> _knownKeys; ///< By the name's object, for writers that spell every list of keys anew.
     std::array<Layout, 8> _layouts;
     std::size_t _lastLayout = 0;
     std::size_t _nextLayout = 0;
