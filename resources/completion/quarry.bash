@@ -10,7 +10,8 @@ _quarry_titles() {
 }
 
 _quarry() {
-    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command=
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+    local -a command=()
     COMPREPLY=()
     if [[ $previous == --home ]]; then
         compopt -o dirnames
@@ -21,18 +22,18 @@ _quarry() {
         if [[ ${COMP_WORDS[i]} == --home ]]; then
             ((i++))
         elif [[ ${COMP_WORDS[i]} != -* ]]; then
-            command=${COMP_WORDS[i]}
-            break
+            command+=("${COMP_WORDS[i]}")
+            if [[ ${command[*]} != blacklist ]]; then break; fi
         fi
     done
     local words
-    if [[ -z $command ]]; then
-        words=$(quarry --help 2>/dev/null | sed -n 's/^  \(-*[a-z][a-z-]*\).*/\1/p')
+    if [[ ${#command[@]} -eq 0 || ${command[*]} == blacklist ]]; then
+        words=$(quarry "${command[@]}" --help 2>/dev/null | sed -n '/^Examples/q; s/^  \(-*[a-z][a-z-]*\).*/\1/p')
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
     elif [[ $current == -* ]]; then
-        words=$(quarry "$command" --help 2>/dev/null | sed -n '/^Examples/q; s/^  .*\(--[a-z-]*\).*/\1/p')
+        words=$(quarry "${command[@]}" --help 2>/dev/null | sed -n '/^Examples/q; s/^  .*\(--[a-z-]*\).*/\1/p')
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
-    else
+    elif [[ ${command[0]} != blacklist ]]; then
         local title
         while IFS= read -r title; do
             if [[ ${title,,} == "${current,,}"* ]]; then COMPREPLY+=("$(printf '%q' "$title")"); fi

@@ -44,7 +44,7 @@ TEST(QuarryInput, WrongUseIsStatusTwoAndAWordAboutIt)
         {{u"add"_s, u"a"_s, u"--combine"_s, u"b"_s}, u"not both"_s},
         {{u"add"_s, u"--combine"_s, u"b"_s, u"--combine"_s, u" "_s}, u"a --combine text is empty"_s},
         {{u"add"_s, u"a"_s, u"--words"_s, u"some"_s}, u"must be one of all, phrase, page"_s},
-        {{u"add"_s, u"a"_s, u"--url"_s, u"(open"_s}, u"--url \"(open\": "_s},
+        {{u"add"_s, u"a"_s, u"--url"_s, u"a(b)(open"_s}, u"not balanced\n  a(b)(open\n      ^"_s},
         {{u"add-folder"_s, u" "_s}, u"a folder needs a name"_s},
         {{u"show"_s, u""_s}, u"is empty"_s},
         {{u"move"_s, u"a"_s}, u"either --into FOLDER or --top"_s},
@@ -52,6 +52,12 @@ TEST(QuarryInput, WrongUseIsStatusTwoAndAWordAboutIt)
         {{u"services"_s, u"Altavista"_s, u"--off"_s}, u"there is no service \"Altavista\""_s},
         {{u"services"_s, u"--at"_s, u"http://127.0.0.1/path"_s}, u"no address of a service"_s},
         {{u"services"_s, u"--on"_s, u"--off"_s}, u"exclude each other"_s},
+        {{u"blacklist"_s}, u"blacklist: a command is missing\nsee quarry blacklist --help"_s},
+        {{u"blacklist"_s, u"add"_s, u" "_s}, u"a rule needs a text"_s},
+        {{u"blacklist"_s, u"add"_s, u"--type"_s, u"domain"_s, u"a b"_s}, u"\"a b\" names no host"_s},
+        {{u"blacklist"_s, u"add"_s, u"--type"_s, u"regex"_s, u"ab(c[z-a]d"_s}, u"\n  ab(c[z-a]d\n         ^"_s},
+        {{u"blacklist"_s, u"remove"_s, u"1"_s}, u"there is no rule \"1\""_s},
+        {{u"log"_s, u"--lines"_s, u"0"_s}, u"whole number from 1 to 5000"_s},
     };
     for (const auto& each : cases) {
         const Ran ran = runQuarry(home.path(), each.arguments);
@@ -66,7 +72,7 @@ TEST(QuarryInput, EveryCommandHasHelpWithExamples)
 {
     const QString commands =
         u"list show results add add-folder edit rename move remove enable disable read unread hide "
-        "unhide rate exclude refresh prefs schedule services"_s;
+        "unhide rate exclude refresh prefs schedule services blacklist log"_s;
     for (const QString& command : commands.split(u' ')) {
         const Ran ran = runQuarry(QString(), {command, u"--help"_s});
         EXPECT_EQ(ran.status, 0) << command.toStdString();
@@ -86,6 +92,8 @@ TEST(QuarryInput, CompletionKnowsCommandsOptionsAndTitles)
         {{u"results"_s, u"--s"_s}, u"--sort --search"_s},
         {{u"--home"_s, home.path(), u"show"_s, u"RAI"_s}, u"raised\\ bed"_s},
         {{u"--home"_s, home.path(), u"show"_s, u"x"_s}, u""_s},
+        {{u"blacklist"_s, u"a"_s}, u"add"_s},
+        {{u"blacklist"_s, u"add"_s, u"--t"_s}, u"--type"_s},
     };
     for (const auto& each : cases) {
         QProcess bash;

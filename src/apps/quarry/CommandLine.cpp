@@ -21,6 +21,18 @@ QStringList qtTexts(const std::vector<std::string>& texts)
 struct Command::Impl {
     CLI::App* app = nullptr;
     Action* chosen = nullptr;
+    std::function<void(CLI::App*)> addHome;
+
+    /// A command below this one.
+    [[nodiscard]] std::shared_ptr<Impl> below(const QString& name, const QString& summary,
+                                              const QStringList& examples) const
+    {
+        const auto impl = std::make_shared<Impl>(*this);
+        impl->app = app->add_subcommand(name.toStdString(), summary.toStdString());
+        impl->app->footer("Examples:\n  " + examples.join(QLatin1String("\n  ")).toStdString());
+        addHome(impl->app);
+        return impl;
+    }
 
     CLI::Option* one(const QString& flags, const QString& help, std::function<void(const QString&)> take) const
     {
@@ -113,6 +125,12 @@ void Command::action(Action action)
     _impl->app->callback([action = std::move(action), chosen = _impl->chosen] { *chosen = action; });
 }
 
+Command Command::command(const QString& name, const QString& summary, const QStringList& examples)
+{
+    _impl->app->require_subcommand(1);
+    return Command(_impl->below(name, summary, examples));
+}
+
 struct CommandLine::Impl {
     CLI::App app{"Watches web searches: saved queries, their results, and what is new.", "quarry"};
     std::optional<QString> home;
@@ -134,9 +152,13 @@ struct CommandLine::Impl {
         const auto given = app.get_subcommands();
         QString text = QString::fromUtf8(error.what());
         QString hint = QStringLiteral("see quarry --help");
-        if (!given.empty())
-            hint = QStringLiteral("see quarry %1 --help").arg(QString::fromStdString(given.front()->get_name()));
-        else if (firstArgument.isEmpty() || firstArgument.startsWith(u'-'))
+        if (!given.empty()) {
+            const QString name = QString::fromStdString(given.front()->get_name());
+            const bool isGroup = given.front()->get_require_subcommand_min() > 0;
+            if (isGroup && given.front()->get_subcommands().empty())
+                text = QStringLiteral("%1: a command is missing").arg(name);
+            hint = QStringLiteral("see quarry %1 --help").arg(name);
+        } else if (firstArgument.isEmpty() || firstArgument.startsWith(u'-'))
             text = QStringLiteral("a command is missing");
         else
             text = QStringLiteral("there is no command \"%1\"").arg(firstArgument);
@@ -162,13 +184,9 @@ CommandLine::~CommandLine() = default;
 Command CommandLine::command(const QString& group, const QString& name, const QString& summary,
                              const QStringList& examples)
 {
-    CLI::App* sub = _impl->app.add_subcommand(name.toStdString(), summary.toStdString());
-    sub->group(group.toStdString());
-    sub->footer("Examples:\n  " + examples.join(QLatin1String("\n  ")).toStdString());
-    _impl->addHome(sub);
-    auto impl = std::make_shared<Command::Impl>();
-    impl->app = sub;
-    impl->chosen = &_impl->chosen;
+    const Command::Impl top{&_impl->app, &_impl->chosen, [this](CLI::App* to) { _impl->addHome(to); }};
+    std::shared_ptr<Command::Impl> impl = top.below(name, summary, examples);
+    impl->app->group(group.toStdString());
     return Command(std::move(impl));
 }
 

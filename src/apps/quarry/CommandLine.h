@@ -37,6 +37,9 @@ public:
     /// What is done when the command was given and everything fits.
     void action(Action action);
 
+    /// Makes this command one that only holds others, and describes one of them; its examples are whole lines.
+    [[nodiscard]] Command command(const QString& name, const QString& summary, const QStringList& examples);
+
 private:
     friend class CommandLine;
     struct Impl;
@@ -72,5 +75,7 @@ void addItemCommands(CommandLine& line);
 void addRefreshCommand(CommandLine& line);
 void addSettingsCommands(CommandLine& line);
 void addServicesCommand(CommandLine& line);
+void addBlacklistCommands(CommandLine& line);
+void addLogCommand(CommandLine& line);
 
 } // namespace quarry

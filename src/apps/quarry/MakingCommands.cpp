@@ -1,8 +1,8 @@
 #include "apps/quarry/CommandLine.h"
+#include "apps/quarry/ExpressionFault.h"
 #include "apps/quarry/Json.h"
 #include "apps/quarry/Naming.h"
 #include "apps/quarry/Output.h"
-#include "text/CSRegex.h"
 
 namespace quarry {
 
@@ -65,12 +65,8 @@ Outcome faultOfExpression(const Restrictions& restrictions)
 {
     if (!restrictions.urlExpression || restrictions.urlExpression->isEmpty())
         return Outcome::done();
-    try {
-        const CSRegex compiles(*restrictions.urlExpression);
-    } catch (const CSRegexException& fault) {
-        return Outcome::wrongUse(
-            QStringLiteral("--url \"%1\": %2").arg(shown(*restrictions.urlExpression), fault.reason()));
-    }
+    if (const auto fault = expressionFault(*restrictions.urlExpression))
+        return Outcome::wrongUse(QStringLiteral("--url: ") + *fault);
     return Outcome::done();
 }
 

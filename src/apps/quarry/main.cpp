@@ -18,5 +18,7 @@ int main(int argc, char** argv)
     addRefreshCommand(line);
     addSettingsCommands(line);
     addServicesCommand(line);
+    addBlacklistCommands(line);
+    addLogCommand(line);
     return line.run(argc, argv);
 }
