@@ -176,12 +176,14 @@ TEST(CurlPageLoader, ARuleHoldsForConnectionsThatAreOpenAlready)
 {
     LoopbackServer* running = nullptr;
     LoopbackServer server([&](const QByteArray&, const Send& send) {
-        send(LoopbackServer::reply("the page"));
+        send("HTTP/1.1 200 OK\r\nContent-Length: 8\r\n\r\nthe page");
         running->waitForClient();
     });
     running = &server;
     CurlPageLoader anywhere;
-    CurlPageLoader nowhere(CurlPageLoader::Limits(), [](const QByteArray&) { return false; });
+    CurlPageLoader::Limits limits;
+    limits.withoutData = std::chrono::seconds(1);
+    CurlPageLoader nowhere(limits, [](const QByteArray&) { return false; });
     EXPECT_EQ(anywhere.load(server.address()).bytes, "the page");
     EXPECT_EQ(nowhere.load(server.address()).error, QStringLiteral("the address is not one of the public network"));
     EXPECT_EQ(server.requests().size(), 1U);
