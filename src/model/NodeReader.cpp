@@ -92,11 +92,10 @@ void NodeReader::keep(NodeKey key)
 
 std::optional<QString> NodeReader::text(NodeKey key)
 {
-    const auto text = _reader.text(entry(key));
-    if (text && _reader.spendBytes(text->length()))
-        return text->toString();
-    keep(key);
-    return std::nullopt;
+    std::optional<QString> text = sharedText(entry(key));
+    if (!text)
+        keep(key);
+    return text;
 }
 
 std::optional<qint64> NodeReader::integer(NodeKey key)
@@ -124,7 +123,8 @@ std::optional<Date> NodeReader::date(NodeKey key)
 std::optional<SlotList> NodeReader::list(NodeKey key)
 {
     auto list = _reader.list(entry(key));
-    if (list && _reader.spend(list->count()))
+    // Many nodes may list the same texts or rules, and one more place in a list takes four bytes and less.
+    if (list && _reader.spend(list->count() / 4))
         return list;
     keep(key);
     return std::nullopt;
@@ -156,9 +156,9 @@ std::optional<QStringList> NodeReader::combinedQueries()
         return std::nullopt;
     QStringList texts;
     for (std::uint64_t i = 0; i < slots->count() && !_reader.failed(); ++i) {
-        const auto text = _reader.text(_reader.value(slots->at(i)));
-        if (text && _reader.spendBytes(text->length()))
-            texts.append(text->toString());
+        const std::optional<QString> text = sharedText(_reader.value(slots->at(i)));
+        if (text)
+            texts.append(*text);
     }
     return texts;
 }
@@ -183,6 +183,8 @@ QMap<QString, bool> NodeReader::excludedDomains()
 
 std::optional<QString> NodeReader::sharedText(const ArchivedValue& value)
 {
+    if (value.isNull())
+        return std::nullopt;
     const auto known = _sharedTexts.constFind(value.object);
     if (known != _sharedTexts.constEnd())
         return *known;

@@ -238,17 +238,27 @@ TEST(QueryArchive, ChildrenInACollectionOfAnUnknownKindAreCarriedThrough)
 
 TEST(QueryArchive, WhateverIsSavedCanBeReadBack)
 {
-    // Hosts that many queries exclude take next to no room in the file.
+    // Hosts, texts and rules that many queries have in common take next to no room in the file.
     const QueryCorePtr root = QueryCore::initWithQueryFolder(QStringLiteral(""));
     QueryFields fields;
     fields._excludedDomains.emplace();
     for (int host = 0; host < 400; ++host)
         fields._excludedDomains->insert(QStringLiteral("host%1.example").arg(host), true);
+    fields._urlRegularExpression = QString(20000, u'x');
+    fields._combinedQueryList.emplace();
+    for (int text = 0; text < 400; ++text)
+        fields._combinedQueryList->append(QStringLiteral("one of the texts %1 ").arg(text).repeated(10));
+    const FilterObject rule = onlyChild(loadTree(goldenFile("db.qsdata")))->filters()->first();
+    fields._urlFilters = QList<FilterObject>(400, rule);
     for (int query = 0; query < 400; ++query)
         root->addChild(QueryCore::fromArchive(fields));
     const LoadedTree tree = loadTree(saved(root));
     ASSERT_TRUE(tree.root) << tree.reason.toStdString();
-    EXPECT_EQ(tree.root->childs()->last()->excludedHosts(), root->childs()->last()->excludedHosts());
+    const QueryFields read = tree.root->childs()->last()->snapshot().fields;
+    EXPECT_EQ(read._excludedDomains, fields._excludedDomains);
+    EXPECT_EQ(read._combinedQueryList, fields._combinedQueryList);
+    EXPECT_EQ(read._urlRegularExpression, fields._urlRegularExpression);
+    EXPECT_EQ(read._urlFilters->size(), 400);
 
     // As deep as is read, then one folder more.
     const QueryCorePtr top = QueryCore::initWithQueryFolder(QStringLiteral(""));
