@@ -4,6 +4,8 @@
 #include "support/FakePageLoader.h"
 #include "text/DeclaredCharset.h"
 
+#include <QStringList>
+
 #include <gtest/gtest.h>
 
 namespace quarry {
@@ -14,13 +16,14 @@ using test::FakePageLoader;
 const Url address = Url::fromStored(u"http://h/p"_qs);
 
 class PageText : public ::testing::Test {
-protected:
+public:
     PageText()
     {
         setSystemLogSink([this](const QString& line) { lines.append(line); });
     }
     ~PageText() override { setSystemLogSink({}); }
 
+protected:
     QStringList lines;
 };
 
@@ -58,33 +61,33 @@ TEST_F(PageText, CharsetsAreLookedUpAndUnknownOnesLogged)
     struct Case {
         QString name;
         EncodingNumber number;
-        QStringList lines;
         EncodingNumber inShortTable;
+        QStringList lines;
     };
     const auto equivalent = [](const QString& name, const char* number) {
         return QStringList{u"Unknown encoding %1. Try to find equivalent.."_qs.arg(name),
                            u"  -> Found equivalent %1. "_qs.arg(QLatin1String(number))};
     };
     const Case cases[] = {
-        {u"iso-8859-1"_qs, 5, {}, 5},
-        {u"ISO8859-1"_qs, 5, {}, 5},
-        {u"Latin1"_qs, 5, {}, 4},
-        {u"iso8859-2"_qs, 9, {}, 9},
-        {u"ISO-8859-2"_qs, 9, {}, 9},
-        {u"Iso-8859-15"_qs, 5, {}, 5},
-        {u"utf-8"_qs, 4, {}, 4},
-        {u"Windows-1252"_qs, 12, {}, 12},
-        {u"windows-1250"_qs, 15, {}, 15},
-        {u"WINDOWS-1251"_qs, 11, {}, 11},
-        {u"iso-8859-9"_qs, 0x80000209, equivalent(u"iso-8859-9"_qs, "2147484169"), 4},
-        {u"shift_JIS"_qs, 0x80000A01, equivalent(u"shift_JIS"_qs, "2147486209"), 4},
-        {u"GB2312"_qs, 0x80000630, equivalent(u"GB2312"_qs, "2147485232"), 4},
-        {u"euc-jp"_qs, 0x80000920, equivalent(u"euc-jp"_qs, "2147485984"), 4},
-        {u"windows-8859"_qs, 12, equivalent(u"windows-8859"_qs, "12"), 4},
+        {u"iso-8859-1"_qs, 5, 5, {}},
+        {u"ISO8859-1"_qs, 5, 5, {}},
+        {u"Latin1"_qs, 5, 4, {}},
+        {u"iso8859-2"_qs, 9, 9, {}},
+        {u"ISO-8859-2"_qs, 9, 9, {}},
+        {u"Iso-8859-15"_qs, 5, 5, {}},
+        {u"utf-8"_qs, 4, 4, {}},
+        {u"Windows-1252"_qs, 12, 12, {}},
+        {u"windows-1250"_qs, 15, 15, {}},
+        {u"WINDOWS-1251"_qs, 11, 11, {}},
+        {u"iso-8859-9"_qs, 0x80000209, 4, equivalent(u"iso-8859-9"_qs, "2147484169")},
+        {u"shift_JIS"_qs, 0x80000A01, 4, equivalent(u"shift_JIS"_qs, "2147486209")},
+        {u"GB2312"_qs, 0x80000630, 4, equivalent(u"GB2312"_qs, "2147485232")},
+        {u"euc-jp"_qs, 0x80000920, 4, equivalent(u"euc-jp"_qs, "2147485984")},
+        {u"windows-8859"_qs, 12, 4, equivalent(u"windows-8859"_qs, "12")},
         {u"%1"_qs,
          4,
-         {u"Unknown encoding %1. Try to find equivalent.."_qs, u"  -> No equivalent. Default to UTF-8"_qs},
-         4},
+         4,
+         {u"Unknown encoding %1. Try to find equivalent.."_qs, u"  -> No equivalent. Default to UTF-8"_qs}},
     };
     for (const Case& c : cases) {
         lines.clear();
