@@ -146,4 +146,31 @@ ResultList readFromSqlite(const QString& path)
     return records;
 }
 
+bool indexSqlite(const QString& path)
+{
+    return run(openDatabase(path), "CREATE INDEX ofQuery ON result(query, date, saw, new)");
+}
+
+int countInSqlite(const QString& path)
+{
+    const Database database = openDatabase(path);
+    const Statement rows =
+        prepare(database, "SELECT query, count(*), sum(saw = 0), sum(new) FROM result GROUP BY query");
+    int queries = 0;
+    while (sqlite3_step(rows.get()) == SQLITE_ROW)
+        queries += sqlite3_column_int64(rows.get(), 1) > 0;
+    return queries;
+}
+
+int listFromSqlite(const QString& path, int query)
+{
+    const Database database = openDatabase(path);
+    const Statement rows = prepare(database, "SELECT * FROM result WHERE query = ? ORDER BY date DESC");
+    sqlite3_bind_int(rows.get(), 1, query);
+    ResultList records;
+    while (sqlite3_step(rows.get()) == SQLITE_ROW)
+        records.append(recordOf(rows.get()));
+    return static_cast<int>(records.size());
+}
+
 } // namespace quarry::bench

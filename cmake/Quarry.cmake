@@ -55,6 +55,26 @@ function(quarry_library name)
   quarry_common(${name})
 endfunction()
 
+# quarry_ui_library(NAME SOURCES file... [LAYOUTS file.ui...] LINKS target... [PRIVATE_LINKS target...]): the windows of
+# one folder of src/, in its ui/. They use the same precompiled header: few files include Qt's windows, and each other
+# ones of them. The layout X.ui is included as "FOLDER/ui/ui_X.h". Not by AUTOUIC: with it, an edited layout reaches
+# only the next build but one, and what reads the sources without a build cannot make them all.
+function(quarry_ui_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LAYOUTS;LINKS;PRIVATE_LINKS" ${ARGN})
+  set(CMAKE_AUTOMOC ON)
+  set(CMAKE_AUTOGEN_ORIGIN_DEPENDS OFF) # What it links need not be built before.
+  set(headers)
+  if(ARG_LAYOUTS)
+    qt_wrap_ui(headers ${ARG_LAYOUTS})
+    add_custom_target(${name}_layouts DEPENDS ${headers})
+    add_dependencies(quarry_layouts ${name}_layouts)
+  endif()
+  quarry_library(${name} SOURCES ${ARG_SOURCES} ${headers} LINKS ${ARG_LINKS} PRIVATE_LINKS ${ARG_PRIVATE_LINKS})
+  target_include_directories(${name} PRIVATE ${CMAKE_BINARY_DIR}/src)
+  target_link_libraries(${name} PUBLIC Qt6::Widgets)
+endfunction()
+add_custom_target(quarry_layouts)
+
 # The bundle, in the build tree as in the install tree.
 set(QUARRY_BUNDLE QuarrySpotter.app/Contents)
 set(QUARRY_AGENT_BUNDLE ${QUARRY_BUNDLE}/Agents/QuarrySpotterAgent.app/Contents)
@@ -71,9 +91,13 @@ function(quarry_program name)
   install(TARGETS ${name} RUNTIME DESTINATION lib/${ARG_BUNDLE}/bin)
 endfunction()
 
-# quarry_test(NAME SOURCES file... LINKS target...): one test program a folder, its cases found by ctest.
+# quarry_test(NAME SOURCES file... LINKS target... [ALONE what] [TIMEOUT seconds]): one test program a folder, its cases
+# found by ctest. Of the cases that name the same thing after ALONE, one runs at a time.
 function(quarry_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "" "ALONE;TIMEOUT" "SOURCES;LINKS" ${ARGN})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 300)
+  endif()
   add_executable(${name} ${ARG_SOURCES})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR}/tests)
   target_compile_definitions(${name} PRIVATE QUARRY_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data"
@@ -81,7 +105,23 @@ function(quarry_test name)
     QUARRY_UPDATER_BUNDLE_DIR="${CMAKE_BINARY_DIR}/${QUARRY_UPDATER_BUNDLE}")
   target_link_libraries(${name} PRIVATE ${ARG_LINKS} GTest::gtest GTest::gmock GTest::gtest_main)
   quarry_common(${name})
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300)
+  # No test reaches the session of whoever runs it; one that needs a session bus starts its own.
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 120
+    PROPERTIES TIMEOUT ${ARG_TIMEOUT} RESOURCE_LOCK "${ARG_ALONE}"
+      ENVIRONMENT "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent/bus")
+endfunction()
+
+# quarry_screen_test(NAME [OWN_PROCESSES] SOURCES file... LINKS target...): the same for windows. Each case runs in a
+# desktop of its own: an empty screen and a session bus (tests/support/with-desktop), if asked for also processes.
+function(quarry_screen_test name)
+  cmake_parse_arguments(SCREEN "OWN_PROCESSES" "" "" ${ARGN})
+  set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_SOURCE_DIR}/tests/support/with-desktop)
+  if(SCREEN_OWN_PROCESSES)
+    list(APPEND CMAKE_CROSSCOMPILING_EMULATOR --own-processes)
+  endif()
+  set(CMAKE_AUTOMOC ON)
+  set(CMAKE_AUTOGEN_ORIGIN_DEPENDS OFF)
+  quarry_test(${name} ${SCREEN_UNPARSED_ARGUMENTS})
 endfunction()
 
 # quarry_bench(NAME SOURCES file... LINKS target...)

@@ -10,11 +10,16 @@ _quarry_titles() {
 }
 
 _quarry() {
+    local groups="agent blacklist offline" # commands that hold commands
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
     local -a command=()
     COMPREPLY=()
     if [[ $previous == --home ]]; then
         compopt -o dirnames
+        return
+    fi
+    if [[ $previous == -o || $previous == --output ]]; then
+        compopt -o default
         return
     fi
     local i
@@ -23,17 +28,22 @@ _quarry() {
             ((i++))
         elif [[ ${COMP_WORDS[i]} != -* ]]; then
             command+=("${COMP_WORDS[i]}")
-            if [[ ${command[*]} != blacklist ]]; then break; fi
+            if [[ ${#command[@]} -gt 1 || " $groups " != *" ${command[*]} "* ]]; then break; fi
         fi
     done
     local words
-    if [[ ${#command[@]} -eq 0 || ${command[*]} == blacklist ]]; then
+    if [[ ${#command[@]} -eq 0 || " $groups " == *" ${command[*]} "* ]]; then
         words=$(quarry "${command[@]}" --help 2>/dev/null | sed -n '/^Examples/q; s/^  \(-*[a-z][a-z-]*\).*/\1/p')
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
     elif [[ $current == -* ]]; then
         words=$(quarry "${command[@]}" --help 2>/dev/null | sed -n '/^Examples/q; s/^  .*\(--[a-z-]*\).*/\1/p')
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
-    elif [[ ${command[0]} != blacklist ]]; then
+    elif [[ ${command[0]} == import && $previous != --into ]]; then
+        compopt -o default
+    elif [[ ${command[0]} == schedule ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "on off every" -- "$current")
+    elif [[ ${command[0]} != blacklist && ${command[0]} != agent && ${command[0]} != update ]]; then
+        if [[ ${command[0]} == offline ]]; then compopt -o dirnames; fi
         local title
         while IFS= read -r title; do
             if [[ ${title,,} == "${current,,}"* ]]; then COMPREPLY+=("$(printf '%q' "$title")"); fi

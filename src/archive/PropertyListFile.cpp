@@ -2,7 +2,10 @@
 
 #include "platform/DamagedFile.h"
 #include "platform/FileLock.h"
+#include "platform/Leftovers.h"
 #include "platform/SystemLog.h"
+
+#include <QFileInfo>
 
 #include <utility>
 
@@ -64,7 +67,9 @@ QString PropertyListFile::change(const std::function<void(PlistValue::Dictionary
     const QByteArray bytes = writeXmlPropertyList(entries);
     if (bytes.isEmpty())
         return QStringLiteral("%1 was not changed: it holds a text that cannot be written").arg(_path);
-    return _files.replace(_path, QStringLiteral(".settings"), 0660, bytes).error;
+    const QString temporaryPrefix = QStringLiteral(".settings");
+    removeLeftovers(QFileInfo(_path).path(), {temporaryPrefix});
+    return _files.replace(_path, temporaryPrefix, 0660, bytes).error;
 }
 
 } // namespace quarry

@@ -52,6 +52,13 @@ public:
         return stored;
     }
 
+    /// The only element of the list as it stands there.
+    std::shared_ptr<const OpaqueObject> takeOnly()
+    {
+        const auto slots = _reader.list(_reader.root());
+        return slots && slots->count() == 1 ? take(slots->at(0)) : nullptr;
+    }
+
     /// What a rule says and no more; none for anything else.
     std::optional<BlacklistRule> readRule(std::uint32_t slot)
     {
@@ -248,6 +255,13 @@ QByteArray archivedBlacklist(const StoredBlacklist& list)
 std::optional<BlacklistRule> blacklistRuleOf(const OpaqueObject& object)
 {
     return BlacklistReader(object.archive()).readRule(object.plistIndex());
+}
+
+std::shared_ptr<const OpaqueObject> objectOfBlacklistRule(const BlacklistRule& rule)
+{
+    StoredBlacklist list;
+    list.filters.append(BlacklistFilter::initWithRule(rule.rule, rule.type, rule.state, rule.caseSensitive));
+    return BlacklistReader(KeyedArchive::open(archivedBlacklist(list)).archive).takeOnly();
 }
 
 } // namespace quarry

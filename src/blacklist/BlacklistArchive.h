@@ -32,5 +32,7 @@ struct StoredBlacklist {
 /// What the rule says that an object of another archive holds, such as a query's private filter; none for an object of
 /// another class and for a damaged one.
 [[nodiscard]] std::optional<BlacklistRule> blacklistRuleOf(const OpaqueObject& object);
+/// The rule as such an object, in an archive of its own.
+[[nodiscard]] std::shared_ptr<const OpaqueObject> objectOfBlacklistRule(const BlacklistRule& rule);
 
 } // namespace quarry

@@ -66,12 +66,12 @@ std::optional<BlacklistManager> BlacklistStore::listToChange(QString& error)
     return BlacklistManager();
 }
 
-QString BlacklistStore::change(const std::function<bool(BlacklistManager&)>& apply)
+QString BlacklistStore::change(const std::function<bool(BlacklistManager&)>& apply, std::chrono::milliseconds patience)
 {
     QString error = _home.makeFolders();
     if (!error.isEmpty())
         return error;
-    const auto lock = FileLock::acquire(_home.writerLockFile(), std::chrono::seconds(10), &error);
+    const auto lock = FileLock::acquire(_home.writerLockFile(), patience, &error);
     if (!lock)
         return error;
     std::optional<BlacklistManager> manager = listToChange(error);

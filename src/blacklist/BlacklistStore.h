@@ -5,6 +5,7 @@
 #include "platform/FileStore.h"
 #include "platform/HomeFolder.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -38,8 +39,9 @@ public:
     /// One edit: takes the writers' lock, reads the file, lets `apply` change the list, replaces the file, lets go.
     /// Nothing is written when `apply` answers false. A file that cannot be understood is copied aside first; one that
     /// cannot be read or copied is left alone. Not to be called by somebody who holds the lock. Returns one line for
-    /// a person on failure, else an empty text.
-    [[nodiscard]] QString change(const std::function<bool(BlacklistManager&)>& apply);
+    /// a person on failure, else an empty text; that the lock was not to be had within `patience` is one.
+    [[nodiscard]] QString change(const std::function<bool(BlacklistManager&)>& apply,
+                                 std::chrono::milliseconds patience = std::chrono::seconds(10));
 
 private:
     void report(const QString& fault);

@@ -2,6 +2,7 @@
 
 #include "model/QueryArchive.h"
 #include "platform/DamagedFile.h"
+#include "platform/Leftovers.h"
 #include "platform/SystemLog.h"
 
 #include <QDir>
@@ -43,31 +44,40 @@ bool DatabaseFile::isKnownDamage() const
     return _damage && _damage->copyError.isEmpty() && _files.stamp(_path) == _damage->stamp;
 }
 
+DatabaseFile::Loaded DatabaseFile::decode(const FileStore::ReadResult& file)
+{
+    if (!file.stamp || file.bytes.isEmpty())
+        return {};
+    LoadedTree tree = loadTree(file.bytes);
+    if (!tree.root)
+        return {Outcome::Damaged, nullptr, tree.reason};
+    if (!tree.root->isQueryFolder())
+        return {Outcome::Damaged, nullptr, QStringLiteral("its root is no folder")};
+    return {Outcome::Loaded, std::move(tree.root), {}};
+}
+
 DatabaseFile::Loaded DatabaseFile::load()
 {
     _seen.reset();
     const FileStore::ReadResult file = _files.read(_path);
     if (!file.error.isEmpty())
         return {Outcome::Unreadable, nullptr, file.error};
-    if (!file.stamp || file.bytes.isEmpty())
-        return {};
-    LoadedTree tree = loadTree(file.bytes);
-    if (!tree.root)
-        return damaged(file, tree.reason);
-    if (!tree.root->isQueryFolder())
-        return damaged(file, QStringLiteral("its root is no folder"));
-    _seen = file.stamp;
-    _damage.reset();
-    return {Outcome::Loaded, std::move(tree.root), {}};
+    Loaded loaded = decode(file);
+    if (loaded.outcome == Outcome::Damaged)
+        keepDamaged(file);
+    if (loaded.outcome == Outcome::Loaded) {
+        _seen = file.stamp;
+        _damage.reset();
+    }
+    return loaded;
 }
 
-DatabaseFile::Loaded DatabaseFile::damaged(const FileStore::ReadResult& file, const QString& reason)
+void DatabaseFile::keepDamaged(const FileStore::ReadResult& file)
 {
     const DamagedCopy copy = copyDamagedFileAside(_files, _path, file.bytes, file.stamp->modificationDate());
     _damage = Damage{*file.stamp, copy.error};
     if (copy.error.isEmpty())
         _damagedCopy = copy.path;
-    return {Outcome::Damaged, nullptr, reason};
 }
 
 DatabaseFile::Saved DatabaseFile::mayReplace() const
@@ -97,9 +107,12 @@ DatabaseFile::Saved DatabaseFile::save(const QueryCorePtr& root)
     return {Saving::Done, {}};
 }
 
-/// Removes what interrupted writes left behind. Only names directly in the support folder can match.
+/// Removes what interrupted writes left behind, of other files of the folder as well. Only names directly in the
+/// support folder can match.
 void DatabaseFile::sweepTemporaries() const
 {
+    removeLeftovers(_home.supportFolder(), {QStringLiteral(".damagedCopy"), QStringLiteral(".settings"),
+                                            QStringLiteral(".blacklist"), QStringLiteral(".log")});
     const QDir folder(_home.supportFolder());
     for (const QFileInfo& entry :
          folder.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot)) {

@@ -35,6 +35,8 @@ public:
         QueryCorePtr root;                 ///< With Outcome::Loaded only.
         QString reason;                    ///< One line for a person, with Damaged and Unreadable.
     };
+    /// What the bytes of such a file hold, for programs that only read; they must have been read without a fault.
+    [[nodiscard]] static Loaded decode(const FileStore::ReadResult& file);
     /// Reads the file. A damaged one is copied aside at once.
     [[nodiscard]] Loaded load();
     /// Lets load() read the file again though it did not change.
@@ -56,7 +58,7 @@ private:
         FileStamp stamp;
         QString copyError; ///< Why it is not copied aside yet; empty when it is.
     };
-    Loaded damaged(const FileStore::ReadResult& file, const QString& reason);
+    void keepDamaged(const FileStore::ReadResult& file);
     /// Why the file that stands there must not be replaced; done when it may.
     [[nodiscard]] Saved mayReplace() const;
     void sweepTemporaries() const;

@@ -54,6 +54,11 @@ QueryCorePtr QueryDatabaseEngine::rootQuery()
     return _impl->root->get();
 }
 
+QueryCorePtr QueryDatabaseEngine::currentRoot() const
+{
+    return _impl->root->get();
+}
+
 QueryCorePtr QueryDatabaseEngine::appendToRoot(const QueryCorePtr& node)
 {
     if (node) {
@@ -188,8 +193,7 @@ bool QueryDatabaseEngine::unreadResults()
 {
     const QList<QueryCorePtr> childs = childsOf(_impl->root->get());
     dbSynchCheck();
-    return std::any_of(childs.begin(), childs.end(),
-                       [](const QueryCorePtr& child) { return child->nbUnreadItem() > 0; });
+    return hasUnreadResults(childs);
 }
 
 QList<QuerySummary> QueryDatabaseEngine::queriesWithNewResults()
@@ -199,14 +203,7 @@ QList<QuerySummary> QueryDatabaseEngine::queriesWithNewResults()
 
 QList<QuerySummary> QueryDatabaseEngine::queriesWithNewResults(const QueryCorePtr& node)
 {
-    QList<QuerySummary> summaries;
-    for (const QueryCorePtr& child : childsOf(node ? node : rootQuery())) {
-        if (child->isQueryFolder())
-            summaries.append(queriesWithNewResults(child));
-        else
-            summaries.append({child->nbUnreadItem(), child->title(), child->UUID()});
-    }
-    return summaries;
+    return summariesBelow(node ? node : rootQuery());
 }
 
 } // namespace quarry

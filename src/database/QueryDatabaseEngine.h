@@ -1,5 +1,6 @@
 #pragma once
 
+#include "database/TreeNews.h"
 #include "engines/UpdateStarter.h"
 #include "model/QueryCore.h"
 #include "platform/Clock.h"
@@ -18,13 +19,6 @@
 #include <optional>
 
 namespace quarry {
-
-/// One line of queriesWithNewResults.
-struct QuerySummary {
-    qint64 nbNewItems = 0; ///< "nbNewItemsKey"
-    QString title;         ///< "title Result Key"
-    QString uuid;
-};
 
 /// The single owner of the query tree: loads it from the database file, reloads it when another process rewrote
 /// the file, saves it, starts and counts updates. One a process, but tests make as many as they like. Thread-safe.
@@ -85,6 +79,8 @@ public:
 
     // --- Tree ---------------------------------------------------------------------------------------------------
     [[nodiscard]] QueryCorePtr rootQuery();
+    /// The tree as it is here, without a look at the file. Takes a moment only.
+    [[nodiscard]] QueryCorePtr currentRoot() const;
     QueryCorePtr addQuery(const QString& text);
     QueryCorePtr addQuery(const QString& text, bool isFolder);
     QueryCorePtr addAdvancedQuery(const QString& query, qint64 wordsResctriction, const QString& siteRestriction,

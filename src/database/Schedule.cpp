@@ -1,5 +1,7 @@
 #include "database/Schedule.h"
 
+#include <algorithm>
+
 namespace quarry {
 
 namespace {
@@ -41,7 +43,7 @@ Schedule::Settings Schedule::read(Date now, QString* fault) const
     settings.automatic = content.entries.value(automaticKey()).boolean().value_or(false);
     settings.checkForUpdates = content.entries.value(checkForUpdatesKey()).boolean().value_or(true);
     const qint64 minutes = content.entries.value(periodicityKey()).integer().value_or(0);
-    settings.periodicityMinutes = minutes == 0 ? DefaultMinutes : minutes;
+    settings.periodicityMinutes = minutes <= 0 ? DefaultMinutes : std::min(minutes, MostMinutes);
     if (const std::optional<double> seconds = content.entries.value(lastUpdateKey()).real()) {
         const Date date(*seconds);
         if (date.secondsSince(now) <= SecondsOfDay)
@@ -63,6 +65,11 @@ QString Schedule::setAutomatic(bool on) const
 QString Schedule::setPeriodicityMinutes(qint64 minutes) const
 {
     return set(periodicityKey(), minutes);
+}
+
+QString Schedule::setCheckForUpdates(bool on) const
+{
+    return set(checkForUpdatesKey(), on);
 }
 
 QString Schedule::setLastUpdate(Date date) const

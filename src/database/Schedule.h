@@ -16,12 +16,16 @@ namespace quarry {
 class Schedule final {
 public:
     struct Settings {
-        bool automatic = false;         ///< "pref_automatic_ON"
-        qint64 periodicityMinutes = 30; ///< "pref_automatic_periodicity"; 0 or absent in the file reads as 30.
+        bool automatic = false; ///< "pref_automatic_ON"
+        /// "pref_automatic_periodicity", from 1 to MostMinutes. What is absent, 0 or below reads as 30.
+        qint64 periodicityMinutes = 30;
         std::optional<Date> lastUpdate; ///< "pref_lastUpdate"; a date more than a day ahead counts as none.
         bool checkForUpdates = true;    ///< "pref_checkForUpdates"
         bool exists = false;            ///< False: the file is missing, and these are the defaults.
     };
+
+    /// The longest period; more would come to overflow, and never come due.
+    static constexpr qint64 MostMinutes = 1000000;
 
     /// `files` must outlive the object.
     Schedule(HomeFolder home, FileStore& files);
@@ -34,6 +38,7 @@ public:
     [[nodiscard]] QString ensureExists() const;
     [[nodiscard]] QString setAutomatic(bool on) const;
     [[nodiscard]] QString setPeriodicityMinutes(qint64 minutes) const;
+    [[nodiscard]] QString setCheckForUpdates(bool on) const;
     /// The time of the last complete refresh.
     [[nodiscard]] QString setLastUpdate(Date date) const;
 

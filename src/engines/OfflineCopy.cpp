@@ -28,25 +28,34 @@ bool isFileName(const QString& name)
     return !name.isEmpty() && !name.startsWith(u'.') && !name.contains(u'/') && !name.contains(QChar(u'\0'));
 }
 
-void write(FileStore& files, const QString& path, const QString& text)
+CopiedPage copyPage(const ResultRecord& record, const QString& folder, const OfflineCopyParts& parts)
 {
-    const FileStore::WriteResult written = files.replace(path, QStringLiteral(".page"), 0660, text.toUtf8());
-    if (!written.ok())
-        debugLog(QStringLiteral("offline copy: %1").arg(written.error));
-}
-
-void copyPage(const ResultRecord& record, const QString& folder, const OfflineCopyParts& parts)
-{
+    CopiedPage page{record, CopiedPage::State::Unnamed, {}};
     const QString name = record.linkUuid().value_or(QString());
     const std::optional<Url> address = record.url();
     if (!isFileName(name) || !address || address->isEmpty())
-        return;
+        return page;
     const QString path = folder + QLatin1Char('/') + name;
-    if (hasNoText(address->pathExtension()))
-        write(parts.files, path, QString());
-    else if (!parts.files.stamp(path))
-        write(parts.files, path,
-              cleanStringWithContentsOfURL(parts.loaders.loaderFor(record), *address).value_or(QString()));
+    std::optional<QString> text;
+    if (hasNoText(address->pathExtension())) {
+        page.state = CopiedPage::State::WithoutText;
+    } else {
+        page.state = CopiedPage::State::Copied;
+        // Two results of one name share their file.
+        if (parts.files.stamp(path))
+            return page;
+        text = cleanStringWithContentsOfURL(parts.loaders.loaderFor(record), *address);
+        if (!text)
+            page.state = CopiedPage::State::Unreadable;
+    }
+    const QByteArray bytes = text.value_or(QString()).toUtf8();
+    const FileStore::WriteResult written = parts.files.replace(path, QStringLiteral(".page"), 0660, bytes);
+    if (!written.ok()) {
+        debugLog(QStringLiteral("offline copy: %1").arg(written.error));
+        page.state = CopiedPage::State::NotWritten;
+        page.error = written.error;
+    }
+    return page;
 }
 
 } // namespace
@@ -64,11 +73,12 @@ OfflineCopyEnd createCacheAtPath(const QueryCorePtr& query, const QString& path,
         return OfflineCopyEnd::AlreadyThere;
     if (!QDir().mkpath(folder))
         return OfflineCopyEnd::NoFolder;
-    const ResultList records = query->results().value_or(ResultList());
+    // All of them, whatever somebody searches in the list right now.
+    const ResultList records = query->snapshot().fields._currentResult.value_or(ResultList());
     for (qsizetype i = 0; i < records.size() && !query->mustStopCacheCreation(); ++i) {
-        copyPage(records[i], folder, parts);
+        const CopiedPage page = copyPage(records[i], folder, parts);
         if (parts.progress)
-            parts.progress(i + 1, records.size());
+            parts.progress(page, i + 1, records.size());
     }
     // Also when it came with the last page: somebody waits for the reply.
     if (!query->takeMustStopCacheCreation())

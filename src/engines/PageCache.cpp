@@ -68,7 +68,9 @@ QByteArray smallFile(const QString& path)
     // Opening a pipe would wait for its writer.
     QFile file(path);
     const bool isReadable = QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly);
-    return isReadable && file.size() <= MaximumFileSize ? file.read(MaximumFileSize) : QByteArray();
+    // Qt makes room for as much as it is asked for.
+    const qint64 size = isReadable ? file.size() : 0;
+    return size <= MaximumFileSize ? file.read(size) : QByteArray();
 }
 
 /// A page's file is made in place: one that is cut short is no page, and is fetched again.

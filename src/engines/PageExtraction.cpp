@@ -1,7 +1,6 @@
 #include "engines/PageExtraction.h"
 
 #include "engines/HtmlScanning.h"
-#include "engines/ScanCopy.h"
 #include "text/Tags.h"
 
 namespace quarry {
@@ -9,6 +8,13 @@ namespace quarry {
 namespace {
 
 using Text = std::optional<QStringView>;
+
+// What a page that was asked for ten results never holds. More would only fill the database, and an expression can take
+// the square of an address's length.
+constexpr qsizetype MostLinks = 1000;
+constexpr qsizetype LongestAddress = 8192;
+/// Of a title or description: an element that is not closed runs to the end of the page.
+constexpr qsizetype LongestText = 10000;
 
 /// Where an item stands: the title ids of Ixquick are numbered.
 struct ItemPlace {
@@ -150,9 +156,31 @@ const ServiceRules* rulesOf(SearchService service)
     return nullptr;
 }
 
+/// No longer than a text may be, without half a character at its end.
+QString shortened(QString text)
+{
+    if (text.size() > LongestText)
+        text.truncate(text[LongestText - 1].isHighSurrogate() ? LongestText - 1 : LongestText);
+    return text;
+}
+
+bool holdsLink(QStringView block)
+{
+    return block.contains(u"href", Qt::CaseInsensitive);
+}
+
+/// Whether an area of that name closes where it opens. The scans do not tell such a one from none.
+bool hasBareArea(QStringView areaName, QStringView page)
+{
+    const QString attribute = QStringLiteral("id=\"%1\"").arg(areaName);
+    const qsizetype open = page.indexOf(attribute, 0, Qt::CaseInsensitive);
+    const qsizetype end = open < 0 ? -1 : page.indexOf(u'>', open);
+    return end >= 0 && page.sliced(end + 1).trimmed().startsWith(u"</");
+}
+
 QString titleText(QStringView block)
 {
-    return normalised(stringByRemovingHTML(stringByRemovingTagOnly(block.toString())));
+    return shortened(normalised(stringByRemovingHTML(stringByRemovingTagOnly(block.toString()))));
 }
 
 QString descriptionText(QStringView block, const DescriptionRules& rules, EncodingNumber encoding)
@@ -173,10 +201,10 @@ QString descriptionOrPlaceholder(QStringView block, const DescriptionRules& rule
     const QString text = descriptionText(block, rules, encoding);
     if (text.size() < rules.minimumLength)
         return placeholders.noDescription;
-    return rules.namesPdf && text.contains(QLatin1String("PDF/Adobe")) ? placeholders.pdfExtract : text;
+    return rules.namesPdf && text.contains(QLatin1String("PDF/Adobe")) ? placeholders.pdfExtract : shortened(text);
 }
 
-/// The address of a link's target as it stands in the page; none when it has no host.
+/// The address of a link's target as it stands in the page; none when it has no host, or is longer than servers take.
 std::optional<Url> targetAddress(const QString& target, bool redirectsLinks)
 {
     if (target.isEmpty())
@@ -186,7 +214,7 @@ std::optional<Url> targetAddress(const QString& target, bool redirectsLinks)
     auto url = Url::fromText(hasScheme ? target : QStringLiteral("http://") + stringByRemovingHTML(target));
     if (url && redirectsLinks)
         url = cleanGoogleLink(*url);
-    return url && !url->host().isEmpty() ? url : std::nullopt;
+    return url && !url->host().isEmpty() && url->absoluteString().size() <= LongestAddress ? url : std::nullopt;
 }
 
 } // namespace
@@ -203,18 +231,22 @@ ExtractedPage extractPage(SearchService service, DecodedPage page, qint64 start,
     const ServiceRules* rules = rulesOf(service);
     if (rules == nullptr)
         return extracted;
-    const ScanCopy copy(std::move(page.text));
+    const ScanCopy& copy = extracted.text.emplace(std::move(page.text));
     const Text areaText = rules->resultsArea(copy);
     // An area that is empty, or stands there too often, is still one.
     extracted.hasResultsArea =
         areaText || copy.text().contains(QString(u'"').append(rules->areaName).append(u'"'), Qt::CaseInsensitive);
-    if (!areaText)
+    if (!areaText) {
+        extracted.hasEmptyArea = hasBareArea(rules->areaName, copy.text());
         return extracted;
+    }
 
     // Of a page that is its own area no part was cut out: it is not made ready a second time.
     const ScanCopy area = rules->areaName.isEmpty() ? copy : copy.part(*areaText);
     qint64 index = -1;
     for (const QStringView itemText : rules->items(area)) {
+        if (extracted.links.size() == MostLinks)
+            break;
         ++index;
         if (itemText.isEmpty())
             continue;
@@ -232,6 +264,7 @@ ExtractedPage extractPage(SearchService service, DecodedPage page, qint64 start,
             {titleText(title), *url,
              descriptionOrPlaceholder(rules->description(item), rules->descriptionRules, page.encoding, placeholders)});
     }
+    extracted.hasEmptyArea = !rules->areaName.isEmpty() && extracted.items == 0 && !holdsLink(area.text());
     return extracted;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engines/ScanCopy.h"
 #include "engines/SearchService.h"
 #include "text/PageDecoding.h"
 #include "text/Url.h"
@@ -8,9 +9,9 @@
 #include <QString>
 #include <QStringView>
 
-namespace quarry {
+#include <optional>
 
-class ScanCopy;
+namespace quarry {
 
 /// The texts that stand for a description that is not there.
 struct DescriptionPlaceholders {
@@ -30,6 +31,8 @@ struct ExtractedPage {
     bool hasResultsArea = false; ///< Or several, or an empty one.
     int items = 0;               ///< Result elements, those that hold no link included.
     QList<FoundLink> links;
+    bool hasEmptyArea = false;    ///< The results area is there, and neither an item nor any link is in it.
+    std::optional<ScanCopy> text; ///< The page; none where it was not looked at.
 };
 
 /// Cuts the results out of a service's result page, in page order. Cheapest when the text is moved in. `start` is the

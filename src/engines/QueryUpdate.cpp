@@ -1,5 +1,6 @@
 #include "engines/QueryUpdate.h"
 
+#include "engines/ServiceHealthText.h"
 #include "model/TreeLock.h"
 
 #include <algorithm>
@@ -22,21 +23,10 @@ bool hasWebsite(const QueryFields& query)
     return !query._websiteRestriction.value_or(QString()).isEmpty();
 }
 
-/// Why nothing can have come of the pages, although they were had; empty when something could.
-QString faultOf(const QList<PageFacts>& pages)
-{
-    for (const PageFacts& page : pages) {
-        if (page.source == PageFacts::Source::Nowhere || page.hasResultsArea)
-            return {};
-    }
-    return pages.isEmpty() ? QString() : QStringLiteral("its pages hold no list of results");
-}
-
-ServiceFacts factsOf(const FetchOutcome& outcome)
+ServiceFacts factsOf(const FetchOutcome& outcome, const ServiceHealth& health)
 {
     ServiceFacts facts;
     facts.results = outcome.records ? outcome.records->size() : 0;
-    facts.error = faultOf(outcome.pages);
     for (const PageFacts& page : outcome.pages) {
         ++facts.pages;
         facts.cachedPages += page.source == PageFacts::Source::Cache;
@@ -46,6 +36,10 @@ ServiceFacts factsOf(const FetchOutcome& outcome)
         if (facts.error.isEmpty())
             facts.error = page.error;
     }
+    if (facts.failedPages == 0)
+        facts.error = uselessPagesText(health);
+    if (health.pages() > 0)
+        facts.verdict = health.verdict();
     return facts;
 }
 
@@ -163,10 +157,13 @@ ResultList QueryUpdate::ask(SearchService service, const QString& address)
     if (_parts.observer)
         _parts.observer->serviceAsked(_name, service);
     const FetchOutcome outcome = _fetcher.update(service, address);
+    const ServiceHealth health = ServiceHealth::of(outcome.pages, _parts.fetching.pauser.isStopped());
+    if (_parts.health)
+        _parts.health->add(service, health);
     _stopped = _stopped || outcome.stopped;
     if (_stopped)
         return {};
-    const ServiceFacts facts = factsOf(outcome);
+    const ServiceFacts facts = factsOf(outcome, health);
     count(facts);
     if (_parts.observer)
         _parts.observer->serviceAnswered(_name, service, facts);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engines/QueryUpdateMerge.h"
+#include "engines/RunHealth.h"
 #include "engines/ServiceFetcher.h"
 #include "engines/UpdateObserver.h"
 #include "model/QueryCore.h"
@@ -44,6 +45,8 @@ struct QueryUpdateParts {
     /// Gets what each update brought, after it was merged; may be empty. Called on the update threads.
     std::function<void(const BroughtUpdate& brought)> journal;
     UpdateObserver* observer = nullptr;
+    /// Gets what happened with each service, also when the program is asked to stop; may be none.
+    RunHealth* health = nullptr;
 };
 
 } // namespace quarry

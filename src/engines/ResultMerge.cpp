@@ -1,6 +1,7 @@
 #include "engines/ResultMerge.h"
 
 #include "engines/KnownLinks.h"
+#include "model/RecordData.h"
 #include "model/ResultComparator.h"
 #include "text/Uuid.h"
 
@@ -16,13 +17,10 @@ namespace {
 constexpr double ExpiryDays = 90.0;
 
 /// Files that are no pages to read. A PDF is none of them: it may be a result.
-bool isUnwantedFileType(const QString& extension)
-{
-    static constexpr std::array<QStringView, 13> Types = {u"xls", u"kmz", u"kml", u"avi", u"mp4",  u"flv", u"mov",
-                                                          u"xml", u"gz",  u"zip", u"sit", u"sitx", u"doc"};
-    return std::any_of(Types.begin(), Types.end(),
-                       [&](QStringView type) { return extension.compare(type, Qt::CaseInsensitive) == 0; });
-}
+constexpr std::array<QLatin1String, 13> UnwantedTypes = {
+    QLatin1String("xls"), QLatin1String("kmz"),  QLatin1String("kml"), QLatin1String("avi"), QLatin1String("mp4"),
+    QLatin1String("flv"), QLatin1String("mov"),  QLatin1String("xml"), QLatin1String("gz"),  QLatin1String("zip"),
+    QLatin1String("sit"), QLatin1String("sitx"), QLatin1String("doc")};
 
 /// One merge at work.
 class Merge final {
@@ -40,10 +38,10 @@ public:
 private:
     [[nodiscard]] bool isExpired(const ResultRecord& record) const;
     [[nodiscard]] bool isFull() const;
-    void takeOne(const ResultRecord& link, const Url& address);
-    [[nodiscard]] bool isFiltered(const QString& address) const;
-    void noteChangedPage(const ResultRecord& link, const QString& address);
-    [[nodiscard]] bool isExcludedItem(const ResultRecord& record, const Url& address);
+    void takeOne(const ResultRecord& link, const LinkAddress& address);
+    [[nodiscard]] bool isFiltered(const ResultRecord& link) const;
+    void noteChangedPage(const ResultRecord& link);
+    [[nodiscard]] bool isExcludedItem(const ResultRecord& record, const LinkAddress& address);
 
     const QueryFields& _query;
     const MergeSettings& _settings;
@@ -69,7 +67,7 @@ void Merge::expire()
     for (qsizetype i = 0; i < results.size(); ++i) {
         const ResultRecord& record = std::as_const(results)[i];
         const bool wasNew = record.newSincePrevious() != false;
-        const bool unnamed = !record.linkUuid();
+        const bool unnamed = !record.data().has(RecordKey::LinkUuid);
         const bool unmarked = !record.visible();
         if (!wasNew && !unnamed && !unmarked)
             continue;
@@ -100,18 +98,17 @@ void Merge::take(const ResultList& links)
     for (const ResultRecord& link : links) {
         if (isFull())
             return;
-        if (const std::optional<Url> address = link.url())
-            takeOne(link, *address);
+        if (const LinkAddress address(link); address.exists())
+            takeOne(link, address);
     }
 }
 
-void Merge::takeOne(const ResultRecord& link, const Url& address)
+void Merge::takeOne(const ResultRecord& link, const LinkAddress& address)
 {
-    const QString key = KnownLinks::keyOf(address);
-    if (isUnwantedFileType(address.pathExtension()) || isFiltered(address.absoluteString()) || _hidden.contains(key))
+    if (address.hasExtensionAmong(UnwantedTypes) || isFiltered(link) || _hidden.contains(address))
         return;
-    if (_known.contains(key)) {
-        noteChangedPage(link, address.absoluteString());
+    if (_known.contains(address)) {
+        noteChangedPage(link);
         return;
     }
     const ResultRecord record = link.withNewSincePrevious(true)
@@ -122,22 +119,25 @@ void Merge::takeOne(const ResultRecord& link, const Url& address)
     if (isExcludedItem(record, address))
         return;
     _outcome.results.append(record);
-    _known.add(key);
+    _known.add(address);
     ++_outcome.added;
 }
 
-bool Merge::isFiltered(const QString& address) const
+bool Merge::isFiltered(const ResultRecord& link) const
 {
-    if (!_query._urlFilters || !_hooks.testString)
+    if (!_query._urlFilters || _query._urlFilters->isEmpty() || !_hooks.testString)
         return false;
+    const QString address = link.urlText().value_or(QString());
     return std::any_of(_query._urlFilters->begin(), _query._urlFilters->end(),
                        [&](const FilterObject& filter) { return _hooks.testString(filter, address); });
 }
 
 /// A page whose digest changed since it was found reads as unread again.
-void Merge::noteChangedPage(const ResultRecord& link, const QString& address)
+void Merge::noteChangedPage(const ResultRecord& link)
 {
-    const auto stored = _storedByAddress.constFind(address);
+    if (_storedByAddress.isEmpty())
+        return;
+    const auto stored = _storedByAddress.constFind(link.urlText().value_or(QString()));
     if (stored == _storedByAddress.constEnd())
         return;
     const ResultRecord& record = std::as_const(_outcome.results)[*stored];
@@ -147,12 +147,14 @@ void Merge::noteChangedPage(const ResultRecord& link, const QString& address)
     _outcome.results[*stored] = record.withChecksum(digest).withUserSaw(false);
 }
 
-bool Merge::isExcludedItem(const ResultRecord& record, const Url& address)
+bool Merge::isExcludedItem(const ResultRecord& record, const LinkAddress& address)
 {
-    if (_query._excludedDomains && !address.host().isEmpty() &&
-        _query._excludedDomains->contains(address.host().toString())) {
-        ++_outcome.excluded;
-        return true;
+    if (_query._excludedDomains && !_query._excludedDomains->isEmpty()) {
+        const QString host = address.host();
+        if (!host.isEmpty() && _query._excludedDomains->contains(host)) {
+            ++_outcome.excluded;
+            return true;
+        }
     }
     if (_query._isSuscribedToBlacklist && _hooks.isBlackListed && _hooks.isBlackListed(record)) {
         ++_outcome.blacklisted;

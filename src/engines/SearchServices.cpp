@@ -3,6 +3,7 @@
 #include "archive/PropertyList.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <optional>
@@ -131,11 +132,14 @@ SearchServices::Loaded SearchServices::load(const QString& path)
     QFile file(path);
     if (!file.exists())
         return {};
+    // Opening a pipe would wait for its writer.
+    if (!QFileInfo(path).isFile())
+        return refused(QStringLiteral("is no file"));
     if (!file.open(QIODevice::ReadOnly))
         return refused(QStringLiteral("cannot be read: ") + file.errorString());
     if (file.size() > MaximumFileSize)
         return refused(QStringLiteral("is too large"));
-    return fromPropertyList(file.read(MaximumFileSize));
+    return fromPropertyList(file.read(file.size()));
 }
 
 SearchServices::Loaded SearchServices::fromPropertyList(const QByteArray& bytes)

@@ -2,6 +2,7 @@
 
 #include "engines/PageCache.h"
 #include "engines/PageExtraction.h"
+#include "engines/PageSigns.h"
 
 #include <algorithm>
 
@@ -91,8 +92,11 @@ private:
         facts.seconds = loaded.seconds;
         facts.error = loaded.error;
         facts.bytes = loaded.bytes.size();
-        if (!loaded.ok())
+        if (!loaded.ok()) {
+            if (!loaded.errorBody.isEmpty())
+                facts.sign = signOfRefusal(decodeResultPage(loaded.errorBody, loaded.contentType).text, facts.address);
             return std::nullopt;
+        }
         facts.source = PageFacts::Source::Network;
         DecodedPage page = decodeResultPage(loaded.bytes, loaded.contentType);
         _cache.store(facts.address, page);
@@ -112,6 +116,16 @@ private:
             _outcome.records->append(resultRecord(_service, link, _rank, _parts.clock.now()));
             ++facts.results;
         }
+        if (facts.results == 0)
+            facts.sign = signOf(extracted, facts.address);
+    }
+
+    static PageSign signOf(const ExtractedPage& page, const QString& address)
+    {
+        const PageSign said = page.text ? signOfPage(page.text->text(), address) : PageSign::Nothing;
+        if (said == PageSign::Challenge && page.items > 0)
+            return PageSign::Nothing;
+        return said == PageSign::Nothing && page.hasEmptyArea ? PageSign::NoResults : said;
     }
 
     const ServiceFetcher::Parts& _parts;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engines/PageFacts.h"
 #include "engines/SearchAddresses.h"
 #include "engines/SearchService.h"
 #include "model/ResultRecord.h"
@@ -19,22 +20,6 @@ struct FoundLink;
 
 /// The record of a link that a service shows, with the rank it has there.
 [[nodiscard]] ResultRecord resultRecord(SearchService service, const FoundLink& link, qint64 rank, Date found);
-
-/// What became of one result page, for whoever watches how a service is doing.
-struct PageFacts {
-    enum class Source { Nowhere, Cache, Network };
-
-    qint64 start = 0;                ///< Offset of its first result.
-    QString address;                 ///< The finished address.
-    Source source = Source::Nowhere; ///< Nowhere: there was no page.
-    int httpStatus = 0;              ///< 0 without a reply.
-    double seconds = 0;              ///< Of the request; 0 from the cache.
-    QString error;                   ///< Why there was no page: one line for a person; else empty.
-    qsizetype bytes = 0;             ///< As loaded; of the cached text when it came from the cache.
-    bool hasResultsArea = false;
-    int items = 0;   ///< Result elements found in the page.
-    int results = 0; ///< Records made of them.
-};
 
 /// What asking one service brought.
 struct FetchOutcome {

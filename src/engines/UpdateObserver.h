@@ -1,8 +1,11 @@
 #pragma once
 
 #include "engines/SearchService.h"
+#include "engines/ServiceHealth.h"
 
 #include <QString>
+
+#include <optional>
 
 namespace quarry {
 
@@ -21,6 +24,7 @@ struct ServiceFacts {
     /// Why the first of those could not, or why none of the others can have brought anything: one line for a person;
     /// else empty.
     QString error;
+    std::optional<ServiceVerdict> verdict; ///< On these pages; none without any.
 
     /// Pages were asked for and none could be had.
     [[nodiscard]] bool isFailure() const { return pages > 0 && failedPages == pages; }

@@ -4,6 +4,7 @@
 #include "platform/SystemLog.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 namespace quarry {
 
@@ -22,6 +23,9 @@ QByteArray joined(const QStringList& lines)
 /// One write to the end as it is by then, so that lines of a process that could not wait for its turn stay whole.
 bool appendBytes(const QString& path, const QByteArray& bytes)
 {
+    // Opening a pipe would wait for its reader.
+    if (const QFileInfo there(path); there.exists() && !there.isFile())
+        return false;
     QFile file(path);
     return file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered) &&
            file.write(bytes) == bytes.size();

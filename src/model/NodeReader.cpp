@@ -156,9 +156,11 @@ std::optional<QStringList> NodeReader::combinedQueries()
         return std::nullopt;
     QStringList texts;
     for (std::uint64_t i = 0; i < slots->count() && !_reader.failed(); ++i) {
-        const std::optional<QString> text = sharedText(_reader.value(slots->at(i)));
-        if (text)
+        const std::uint32_t slot = slots->at(i);
+        if (const std::optional<QString> text = sharedText(_reader.value(slot)))
             texts.append(*text);
+        else
+            _fields._unknownCombinedQueries.append({static_cast<qsizetype>(i), _opaque.take(slot)});
     }
     return texts;
 }

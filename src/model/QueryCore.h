@@ -14,6 +14,7 @@
 namespace quarry {
 
 class QueryCore;
+class ResultKeys;
 using QueryCorePtr = std::shared_ptr<QueryCore>;
 
 /// The four kinds of node. Told apart by flags in the archive; this is the one place that names them.
@@ -39,7 +40,7 @@ struct TreeServices {
 /// services that the node was given.
 ///
 /// The operations stand by theme: QueryCore.cpp (making, snapshots), QueryDefinition.cpp, QueryTree.cpp,
-/// QueryResults.cpp, QueryUpdateState.cpp.
+/// QueryResults.cpp, QueryBulkChanges.cpp, QueryUpdateState.cpp.
 class QueryCore final : public std::enable_shared_from_this<QueryCore> {
     struct Private {}; ///< Only the initializers below make nodes.
 
@@ -170,6 +171,12 @@ public:
     [[nodiscard]] qsizetype nbItems() const;
     [[nodiscard]] qsizetype nbHiddenItems() const;
     [[nodiscard]] qint64 nbUnreadItem();
+    // The same for many results, each in one pass; keys that are not there are passed over.
+    void setRead(bool read, const ResultKeys& ofItems);
+    void setHidden(bool hidden, const ResultKeys& ofItems);
+    void setRating(qint64 rating, const ResultKeys& ofItems);
+    /// Puts back results that were taken out: at the end, but for those that are in either list again.
+    void restoreResults(const ResultList& visible, const ResultList& hidden);
     /// The current version of a record that was replaced meanwhile, found by its "link uuid key" among the visible
     /// (or hidden) records; the record itself when it has no such key or is still there as it is.
     [[nodiscard]] std::optional<ResultRecord> currentRecord(const ResultRecord& record) const;

@@ -17,8 +17,8 @@ namespace quarry {
 /// identity.
 using FilterObject = std::shared_ptr<const OpaqueObject>;
 
-/// A child that is no node of a known class, carried through at its place among the children.
-struct OpaqueChild {
+/// An element of a list that is not of the kind the list is for, carried through at its place.
+struct OpaqueElement {
     qsizetype index = 0;
     std::shared_ptr<const OpaqueObject> value;
 };
@@ -51,7 +51,8 @@ struct QueryFields {
     bool _highlightState = false;
     /// Entries of the stored node that this program does not know, written back as they were.
     QList<OpaqueEntry> _unknownEntries;
-    QList<OpaqueChild> _unknownChilds;
+    QList<OpaqueElement> _unknownChilds;
+    QList<OpaqueElement> _unknownCombinedQueries;
     /// The node in the file it was read from, to which values that are carried through may refer; none for a new one.
     std::shared_ptr<const OpaqueObject> _source;
 };

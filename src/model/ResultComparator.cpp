@@ -1,65 +1,77 @@
 #include "model/ResultComparator.h"
 
-#include <QString>
+#include "model/RecordData.h"
 
-#include <optional>
+#include <cstddef>
+#include <utility>
 #include <vector>
 
 namespace quarry {
 
 namespace {
 
-/// What the comparator asks of one record, read out once: loaded texts are decoded when asked for, and sorting asks
-/// many times.
+/// What the comparator asks of one record, read out once: sorting asks many times. Texts stay in the record.
 struct SortKey {
-    qsizetype index = 0;
-    std::optional<Date> date;
-    std::optional<qint64> number; ///< The rating where ratings are compared, else the rank.
-    std::optional<QString> text;
+    double date = 0.0;
+    std::int64_t number = 0; ///< The rating where ratings are compared, else the rank.
+    const StoredText* text = nullptr;
+    std::uint32_t index = 0;
+    bool hasDate = false;
+    bool hasNumber = false;
     bool isRead = false;
     bool hasReadEntry = false;
 };
 
 SortKey keyOf(const ResultRecord& record, std::int32_t order)
 {
+    const RecordData& data = record.data();
     SortKey key;
-    const std::optional<bool> saw = record.userSaw();
-    key.hasReadEntry = saw.has_value();
-    key.isRead = saw.value_or(false);
-    key.date = record.dateOfFind();
-    key.number = order == ByRating ? record.rating() : record.rank();
-    if (order == ByAddress)
-        key.text = record.urlText();
-    else if (order == ByTitle)
-        key.text = record.title();
+    key.hasReadEntry = data.has(RecordKey::UserSaw);
+    key.isRead = key.hasReadEntry && data.flag(RecordKey::UserSaw);
+    key.hasDate = data.has(RecordKey::DateOfFind);
+    key.date = data.date;
+    key.hasNumber = data.has(order == ByRating ? RecordKey::Rating : RecordKey::Rank);
+    key.number = order == ByRating ? data.rating : data.rank;
+    if (order == ByAddress || order == ByTitle) {
+        const RecordKey text = order == ByAddress ? RecordKey::Url : RecordKey::Title;
+        key.text = data.has(text) ? &data.text(text) : nullptr;
+    }
     return key;
 }
 
 template <typename T>
-int compareValues(const std::optional<T>& a, const std::optional<T>& b)
+int compareValues(const T& a, const T& b)
 {
-    if (!a || !b)
-        return 0;
-    return *a < *b ? -1 : (*b < *a ? 1 : 0);
+    return a < b ? -1 : (b < a ? 1 : 0);
+}
+
+int oldestFirst(const SortKey& a, const SortKey& b)
+{
+    return a.hasDate && b.hasDate ? compareValues(a.date, b.date) : 0;
 }
 
 int newestFirst(const SortKey& a, const SortKey& b)
 {
-    return compareValues(b.date, a.date);
+    return oldestFirst(b, a);
 }
 
 int lowestRankFirst(const SortKey& a, const SortKey& b)
 {
-    return a.number && b.number ? compareValues(a.number, b.number) : newestFirst(a, b);
+    return a.hasNumber && b.hasNumber ? compareValues(a.number, b.number) : newestFirst(a, b);
 }
 
 int highestRatingFirst(const SortKey& a, const SortKey& b)
 {
-    if (a.number && b.number)
+    if (a.hasNumber && b.hasNumber)
         return compareValues(b.number, a.number);
-    if (a.number || b.number)
-        return a.number ? -1 : 1;
+    if (a.hasNumber || b.hasNumber)
+        return a.hasNumber ? -1 : 1;
     return newestFirst(a, b);
+}
+
+int byText(const SortKey& a, const SortKey& b)
+{
+    return a.text && b.text ? compareValues(*a.text, *b.text) : 0;
 }
 
 int unreadFirst(const SortKey& a, const SortKey& b)
@@ -79,7 +91,7 @@ int compareKeys(const SortKey& a, const SortKey& b, std::int32_t order)
 {
     switch (order) {
     case OldestFirst:
-        return compareValues(a.date, b.date);
+        return oldestFirst(a, b);
     case NewestFirst:
         return newestFirst(a, b);
     case ByRank:
@@ -88,7 +100,7 @@ int compareKeys(const SortKey& a, const SortKey& b, std::int32_t order)
         return unreadFirst(a, b);
     case ByAddress:
     case ByTitle:
-        return compareValues(a.text, b.text);
+        return byText(a, b);
     case ByRating:
         return highestRatingFirst(a, b);
     default:
@@ -98,44 +110,75 @@ int compareKeys(const SortKey& a, const SortKey& b, std::int32_t order)
 
 using Keys = std::vector<SortKey>;
 
-/// Merges from[begin, middle) and from[middle, end) into the same places of `to`, whatever the comparator answers.
-void mergeRuns(Keys& from, Keys& to, std::size_t begin, std::size_t middle, std::size_t end, std::int32_t order)
-{
-    std::size_t left = begin;
-    std::size_t right = middle;
-    const bool inOrder = middle >= end || compareKeys(from[middle - 1], from[middle], order) <= 0;
-    for (std::size_t out = begin; out < end; ++out) {
-        const bool takeRight =
-            left == middle || (!inOrder && right < end && compareKeys(from[left], from[right], order) > 0);
-        to[out] = std::move(from[takeRight ? right++ : left++]);
+/// A merge sort of what is in order already, so that a few results after many sorted ones cost one pass. In bounds and
+/// stable whatever the comparator answers.
+class RunSorter final {
+public:
+    RunSorter(Keys& keys, std::int32_t order, const std::atomic<bool>* cancelled = nullptr)
+        : _keys(keys), _order(order), _cancelled(cancelled)
+    {
     }
-}
 
-void mergeSort(Keys& keys, std::int32_t order)
-{
-    Keys other(keys.size());
-    for (std::size_t width = 1; width < keys.size(); width *= 2) {
-        for (std::size_t begin = 0; begin < keys.size(); begin += 2 * width) {
-            const std::size_t middle = std::min(begin + width, keys.size());
-            const std::size_t end = std::min(begin + 2 * width, keys.size());
-            mergeRuns(keys, other, begin, middle, end, order);
+    /// Whether anything moved.
+    bool sort()
+    {
+        for (std::size_t begin = 0; begin < _keys.size();) {
+            std::size_t end = begin + 1;
+            while (end < _keys.size() && !isAfter(_keys[end - 1], _keys[end]))
+                ++end;
+            _begins.push_back(begin);
+            begin = end;
+            // Runs of about one length are merged with each other, so that each result moves few times.
+            while (_begins.size() > 1 && lengthBefore(_begins.back()) < 2 * (end - _begins.back()))
+                mergeLastTwo(end);
         }
-        keys.swap(other);
+        while (_begins.size() > 1)
+            mergeLastTwo(_keys.size());
+        return _moved;
     }
-}
 
-bool isInOrder(const ResultList& results, std::int32_t order)
-{
-    if (results.size() < 2)
-        return true;
-    SortKey previous = keyOf(results.front(), order);
-    for (qsizetype i = 1; i < results.size(); ++i) {
-        SortKey next = keyOf(results.at(i), order);
-        if (compareKeys(previous, next, order) > 0)
-            return false;
-        previous = std::move(next);
+private:
+    [[nodiscard]] bool isAfter(const SortKey& a, const SortKey& b) const { return compareKeys(a, b, _order) > 0; }
+    /// Of the last run but one, which ends there.
+    [[nodiscard]] std::size_t lengthBefore(std::size_t end) const { return end - _begins[_begins.size() - 2]; }
+
+    void mergeLastTwo(std::size_t end)
+    {
+        const std::size_t middle = _begins.back();
+        _begins.pop_back();
+        std::size_t out = _begins.back();
+        if (_cancelled && _cancelled->load(std::memory_order_relaxed))
+            return;
+        if (!isAfter(_keys[middle - 1], _keys[middle]))
+            return;
+        while (!isAfter(_keys[out], _keys[middle]))
+            ++out;
+        _moved = true;
+        _left.assign(_keys.begin() + std::ptrdiff_t(out), _keys.begin() + std::ptrdiff_t(middle));
+        std::size_t left = 0;
+        for (std::size_t right = middle; left < _left.size(); ++out) {
+            const bool takeRight = right < end && isAfter(_left[left], _keys[right]);
+            _keys[out] = takeRight ? _keys[right++] : _left[left++];
+        }
     }
-    return true;
+
+    Keys& _keys;
+    const std::int32_t _order;
+    const std::atomic<bool>* _cancelled; ///< What is left in no order then is of use to nobody.
+    std::vector<std::size_t> _begins;    ///< Of the runs; each ends where the next one begins.
+    Keys _left;
+    bool _moved = false;
+};
+
+Keys keysOf(const ResultList& results, std::int32_t order)
+{
+    Keys keys;
+    keys.reserve(static_cast<std::size_t>(results.size()));
+    for (const ResultRecord& record : results) {
+        keys.push_back(keyOf(record, order));
+        keys.back().index = static_cast<std::uint32_t>(keys.size() - 1);
+    }
+    return keys;
 }
 
 } // namespace
@@ -147,22 +190,30 @@ int compareResults(const ResultRecord& a, const ResultRecord& b, std::int32_t or
 
 bool sortResults(ResultList& results, std::int32_t order)
 {
-    if (isInOrder(results, order))
+    Keys keys = keysOf(results, order);
+    if (!RunSorter(keys, order).sort())
         return false;
-    Keys keys;
-    keys.reserve(static_cast<std::size_t>(results.size()));
-    for (qsizetype i = 0; i < results.size(); ++i) {
-        keys.push_back(keyOf(results.at(i), order));
-        keys.back().index = i;
-    }
-    mergeSort(keys, order);
-
     ResultList sorted;
     sorted.reserve(results.size());
+    results.detach();
     for (const SortKey& key : keys)
-        sorted.append(results.at(key.index));
+        sorted.append(std::move(results[qsizetype(key.index)]));
     results = std::move(sorted);
     return true;
+}
+
+std::vector<std::uint32_t> sortedPlaces(const ResultList& results, std::int32_t order,
+                                        const std::atomic<bool>* cancelled)
+{
+    Keys keys = keysOf(results, order);
+    RunSorter(keys, order, cancelled).sort();
+    std::vector<std::uint32_t> places;
+    if (cancelled && *cancelled)
+        return places;
+    places.reserve(keys.size());
+    for (const SortKey& key : keys)
+        places.push_back(key.index);
+    return places;
 }
 
 } // namespace quarry

@@ -2,7 +2,9 @@
 
 #include "model/ResultRecord.h"
 
+#include <atomic>
 #include <cstdint>
+#include <vector>
 
 namespace quarry {
 
@@ -27,5 +29,10 @@ enum ResultOrder : std::int32_t {
 /// Sorts by compareResults: stable, always ends, and answers the same for the same list. A list that is in order
 /// already, neighbour by neighbour, is not touched (nor detached). Returns whether anything moved.
 bool sortResults(ResultList& results, std::int32_t order);
+
+/// Where each place of the sorted list finds its result in this one; the list stays as it is. Empty when `cancelled`
+/// (may be null) becomes true meanwhile.
+[[nodiscard]] std::vector<std::uint32_t> sortedPlaces(const ResultList& results, std::int32_t order,
+                                                      const std::atomic<bool>* cancelled = nullptr);
 
 } // namespace quarry

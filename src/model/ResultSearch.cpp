@@ -16,6 +16,12 @@ bool ResultSearch::matches(const ResultRecord& record) const
     return address && address->contains(_text, Qt::CaseInsensitive);
 }
 
+bool ResultSearch::isWithin(const ResultSearch& other) const
+{
+    return !other._text.isEmpty() && _text.contains(other._text, Qt::CaseInsensitive) &&
+           _needle.contains(other._needle);
+}
+
 ResultList ResultSearch::filtered(const ResultList& records) const
 {
     ResultList found;

@@ -13,6 +13,8 @@ class ResultSearch final {
 public:
     explicit ResultSearch(const QString& searchString);
     [[nodiscard]] bool matches(const ResultRecord& record) const;
+    /// Whether everything that matches is known to match the other search as well. Never so for the empty search.
+    [[nodiscard]] bool isWithin(const ResultSearch& other) const;
     /// The records that match, in their order.
     [[nodiscard]] ResultList filtered(const ResultList& records) const;
 

@@ -84,8 +84,8 @@ private:
         _values += fields._excludedDomains ? std::uint64_t(fields._excludedDomains->size()) : 0;
         _values += fields._combinedQueryList ? std::uint64_t(fields._combinedQueryList->size()) : 0;
         count(fields._unknownEntries);
-        for (const OpaqueChild& child : fields._unknownChilds)
-            count(*child.value);
+        for (const OpaqueElement& element : fields._unknownChilds + fields._unknownCombinedQueries)
+            count(*element.value);
         for (const FilterObject& filter : fields._urlFilters.value_or(QList<FilterObject>()))
             count(*filter);
         count(fields._currentResult);
@@ -226,7 +226,7 @@ private:
         case NodeKey::Filters:
             return fields._urlFilters ? std::optional(filters(*fields._urlFilters)) : std::nullopt;
         case NodeKey::CombinedQueries:
-            return fields._combinedQueryList ? std::optional(texts(*fields._combinedQueryList)) : std::nullopt;
+            return fields._combinedQueryList ? std::optional(combinedQueries(fields)) : std::nullopt;
         case NodeKey::IsPaused:
             return fields._queryDisabled ? std::optional(_archiver.boolean(true)) : std::nullopt;
         case NodeKey::SubscribesToBlacklist:
@@ -307,12 +307,22 @@ private:
         return text ? _archiver.text(QStringView(*text)) : _archiver.null();
     }
 
-    Slot texts(const QStringList& list)
+    /// A list with what was carried through back in its places.
+    Slot list(std::vector<Slot> slots, const QList<OpaqueElement>& others)
+    {
+        for (const OpaqueElement& element : others) {
+            const auto index = std::min(slots.size(), static_cast<std::size_t>(element.index));
+            slots.insert(slots.begin() + static_cast<std::ptrdiff_t>(index), _archiver.opaque(*element.value));
+        }
+        return _archiver.list(slots);
+    }
+
+    Slot combinedQueries(const QueryFields& fields)
     {
         std::vector<Slot> slots;
-        for (const QString& text : list)
+        for (const QString& text : *fields._combinedQueryList)
             slots.push_back(_archiver.text(QStringView(text)));
-        return _archiver.list(slots);
+        return list(std::move(slots), fields._unknownCombinedQueries);
     }
 
     Slot hosts(const QMap<QString, bool>& hosts)
@@ -347,11 +357,7 @@ private:
         std::vector<Slot> slots;
         for (const QueryCorePtr& child : *state.childs)
             slots.push_back(_slots.at(child.get()));
-        for (const OpaqueChild& child : state.fields._unknownChilds) {
-            const auto index = std::min(slots.size(), static_cast<std::size_t>(child.index));
-            slots.insert(slots.begin() + static_cast<std::ptrdiff_t>(index), _archiver.opaque(*child.value));
-        }
-        return _archiver.list(slots);
+        return list(std::move(slots), state.fields._unknownChilds);
     }
 
     const std::vector<NodeSnapshot>& _nodes;

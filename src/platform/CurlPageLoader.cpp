@@ -4,6 +4,7 @@
 
 #include <curl/curl.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <new>
@@ -39,7 +40,11 @@ ThreadHandles& threadHandles()
 /// What a running transfer has brought so far.
 struct Transfer {
     LoadedPage page;
+    CURL* easy = nullptr;
+    ReplyReceiver* receiver = nullptr; ///< None: the page keeps the bytes.
     std::size_t maximum = 0;
+    std::size_t received = 0;
+    std::size_t errorMaximum = 0;
     bool tooLarge = false;
     const CurlPageLoader::AddressRule* mayConnect = nullptr;
     bool refused = false; ///< The rule said no.
@@ -48,21 +53,60 @@ struct Transfer {
     std::array<char, CURL_ERROR_SIZE> fault{};
 };
 
+constexpr long FirstErrorStatus = 400;
+
+long statusOf(CURL* easy)
+{
+    long status = 0;
+    curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
+    return status;
+}
+
+/// Of what an error status came with, so much as is wanted; then the transfer ends.
+std::size_t takeErrorBytes(Transfer& transfer, const char* data, std::size_t size)
+{
+    const std::size_t missing = transfer.errorMaximum - static_cast<std::size_t>(transfer.page.errorBody.size());
+    try {
+        transfer.page.errorBody.append(data, static_cast<qsizetype>(std::min(size, missing)));
+    } catch (const std::bad_alloc&) {
+        return 0;
+    }
+    return size < missing ? size : 0;
+}
+
+bool keep(Transfer& transfer, const char* data, std::size_t size)
+{
+    if (!transfer.receiver) {
+        transfer.page.bytes.append(data, static_cast<qsizetype>(size));
+        return true;
+    }
+    if (transfer.received == 0) {
+        curl_off_t length = -1;
+        curl_easy_getinfo(transfer.easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+        transfer.receiver->response(length);
+    }
+    return transfer.receiver->take(data, size);
+}
+
 std::size_t takeBytes(char* data, std::size_t, std::size_t size, void* context)
 {
     auto& transfer = *static_cast<Transfer*>(context);
     transfer.lastData = SteadyClock::now();
-    if (static_cast<std::size_t>(transfer.page.bytes.size()) + size > transfer.maximum) {
+    if (statusOf(transfer.easy) >= FirstErrorStatus)
+        return takeErrorBytes(transfer, data, size);
+    if (transfer.received + size > transfer.maximum) {
         transfer.tooLarge = true;
         return 0;
     }
     // An exception must not pass through the library.
     try {
-        transfer.page.bytes.append(data, static_cast<qsizetype>(size));
+        if (!keep(transfer, data, size))
+            return 0;
     } catch (const std::bad_alloc&) {
         transfer.tooLarge = true;
         return 0;
     }
+    transfer.received += size;
     return size;
 }
 
@@ -114,8 +158,9 @@ void setCallbacks(CURL* easy, Transfer& transfer)
 void setRequest(CURL* easy, const QByteArray& address, const CurlPageLoader::Limits& limits)
 {
     curl_easy_setopt(easy, CURLOPT_URL, address.constData());
-    curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
-    curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+    const char* protocols = limits.secureOnly ? "https" : "http,https";
+    curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, protocols);
+    curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, protocols);
     curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L);
     curl_easy_setopt(easy, CURLOPT_MAXREDIRS, limits.redirects);
     curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits.connecting.count()));
@@ -123,7 +168,7 @@ void setRequest(CURL* easy, const QByteArray& address, const CurlPageLoader::Lim
     curl_easy_setopt(easy, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limits.bytes));
     curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, "");
     curl_easy_setopt(easy, CURLOPT_USERAGENT, "QuarrySpotter/" QUARRY_VERSION);
-    curl_easy_setopt(easy, CURLOPT_FAILONERROR, 1L);
+    curl_easy_setopt(easy, CURLOPT_FAILONERROR, limits.errorBytes == 0 ? 1L : 0L);
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
     curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L);
@@ -153,11 +198,7 @@ QString secondsText(std::chrono::milliseconds duration)
 /// One line for a person about a transfer that libcurl gave up.
 QString reasonOf(CURLcode code, const Transfer& transfer, CURL* easy)
 {
-    long status = 0;
-    curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
     switch (code) {
-    case CURLE_HTTP_RETURNED_ERROR:
-        return QStringLiteral("HTTP status %1").arg(status);
     case CURLE_COULDNT_RESOLVE_HOST:
         return QStringLiteral("host not found");
     case CURLE_PARTIAL_FILE:
@@ -165,13 +206,14 @@ QString reasonOf(CURLcode code, const Transfer& transfer, CURL* easy)
     case CURLE_TOO_MANY_REDIRECTS:
         return QStringLiteral("too many redirects");
     case CURLE_UNSUPPORTED_PROTOCOL:
-        return QStringLiteral("neither HTTP nor HTTPS was spoken");
+        return QStringLiteral("the address is neither HTTP nor HTTPS, or not HTTPS where it has to be");
     case CURLE_COULDNT_CONNECT:
         return QStringLiteral("connection refused, or no way to the host");
     case CURLE_FILESIZE_EXCEEDED:
         return QStringLiteral("the page is too large");
     case CURLE_OPERATION_TIMEDOUT:
-        return status == 0 ? QStringLiteral("the host does not answer") : QStringLiteral("the page takes too long");
+        return statusOf(easy) == 0 ? QStringLiteral("the host does not answer")
+                                   : QStringLiteral("the page takes too long");
     default:
         return transfer.fault[0] != '\0' ? textOf(transfer.fault.data()) : textOf(curl_easy_strerror(code));
     }
@@ -233,10 +275,8 @@ QString drive(ThreadHandles& handles, const Transfer& transfer, const CurlPageLo
 
 void takeInfo(CURL* easy, LoadedPage& page)
 {
-    long status = 0;
     const char* text = nullptr;
-    curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
-    page.httpStatus = static_cast<int>(status);
+    page.httpStatus = static_cast<int>(statusOf(easy));
     if (curl_easy_getinfo(easy, CURLINFO_CONTENT_TYPE, &text) == CURLE_OK)
         page.contentType = textOf(text);
     if (curl_easy_getinfo(easy, CURLINFO_EFFECTIVE_URL, &text) == CURLE_OK)
@@ -257,6 +297,16 @@ CurlPageLoader::~CurlPageLoader() = default;
 
 LoadedPage CurlPageLoader::load(const QByteArray& address)
 {
+    return loadInto(nullptr, address);
+}
+
+LoadedPage CurlPageLoader::load(const QByteArray& address, ReplyReceiver& receiver)
+{
+    return loadInto(&receiver, address);
+}
+
+LoadedPage CurlPageLoader::loadInto(ReplyReceiver* receiver, const QByteArray& address)
+{
     ThreadHandles& handles = threadHandles();
     Transfer transfer;
     if (!handles.easy || !handles.multi) {
@@ -265,8 +315,13 @@ LoadedPage CurlPageLoader::load(const QByteArray& address)
     }
     CURL* easy = handles.easy.get();
     curl_easy_reset(easy);
+    transfer.easy = easy;
+    transfer.receiver = receiver;
     transfer.maximum = _limits.bytes;
+    transfer.errorMaximum = _limits.errorBytes;
     setRequest(easy, address, _limits);
+    if (receiver)
+        curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, nullptr);
     setCallbacks(easy, transfer);
     curl_easy_setopt(easy, CURLOPT_NOPROXY, _directHosts.constData());
     transfer.mayConnect = &_mayConnect;
@@ -277,8 +332,11 @@ LoadedPage CurlPageLoader::load(const QByteArray& address)
     if (transfer.tooLarge)
         transfer.page.error = QStringLiteral("the page is too large");
     else if (transfer.refused && !transfer.page.ok())
-        transfer.page.error = QStringLiteral("the address is not one of the public network");
+        transfer.page.error = QStringLiteral("the address may not be connected to");
     takeInfo(easy, transfer.page);
+    // However its body came, or did not.
+    if (transfer.page.httpStatus >= FirstErrorStatus && (transfer.page.ok() || !_stopped))
+        transfer.page.error = QStringLiteral("HTTP status %1").arg(transfer.page.httpStatus);
     if (!transfer.page.ok())
         transfer.page.bytes.clear();
     const std::chrono::duration<double> taken = SteadyClock::now() - transfer.started;

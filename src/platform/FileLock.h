@@ -18,8 +18,9 @@ public:
     FileLock& operator=(const FileLock&) = delete;
     ~FileLock();
 
-    /// Takes the lock if nobody holds it. The file is created when missing (its folder must exist).
-    [[nodiscard]] static std::optional<FileLock> tryAcquire(const QString& path);
+    /// Takes the lock if nobody holds it. The file is created when missing (its folder must exist). `fault` (may be
+    /// null) gets one line for a person when it cannot be taken at all; it stays as it is when somebody holds it.
+    [[nodiscard]] static std::optional<FileLock> tryAcquire(const QString& path, QString* fault = nullptr);
     /// Waits for the lock, at most that long. `error` (may be null) gets one line for a person on failure.
     [[nodiscard]] static std::optional<FileLock> acquire(const QString& path, std::chrono::milliseconds timeout,
                                                          QString* error = nullptr);

@@ -55,9 +55,13 @@ public:
     /// Reads the whole file into memory.
     [[nodiscard]] virtual ReadResult read(const QString& path) const = 0;
 
+    /// What follows the prefix in the name of a temporary file: so many hexadecimal digits, in lower case.
+    static constexpr qsizetype TemporaryNameDigits = 16;
+
     /// Replaces the file atomically and durably: a temporary file of the given mode in the same folder, its name
     /// beginning with temporaryPrefix; write, fsync, rename, fsync of the folder. On failure the old file stays
-    /// as it was and the temporary file is gone.
+    /// as it was and the temporary file is gone. Where the path is a symbolic link, the file that it leads to is
+    /// replaced, in its own folder; a link that leads nowhere is a failure.
     [[nodiscard]] virtual WriteResult replace(const QString& path, const QString& temporaryPrefix, unsigned mode,
                                               const Producer& producer) = 0;
     /// The same for bytes in memory.

@@ -43,6 +43,11 @@ QString HomeFolder::searchServicesFile() const
     return supportFolder() + QStringLiteral("/SearchServices.plist");
 }
 
+QString HomeFolder::serviceHealthFile() const
+{
+    return supportFolder() + QStringLiteral("/ServiceHealth.plist");
+}
+
 QString HomeFolder::writerLockFile() const
 {
     return supportFolder() + QStringLiteral("/.writerLock");
@@ -51,6 +56,16 @@ QString HomeFolder::writerLockFile() const
 QString HomeFolder::updaterLockFile() const
 {
     return supportFolder() + QStringLiteral("/.updaterLock");
+}
+
+QString HomeFolder::agentLockFile() const
+{
+    return supportFolder() + QStringLiteral("/.agentLock");
+}
+
+QString HomeFolder::updaterFlagFile() const
+{
+    return supportFolder() + QStringLiteral("/.updaterFlag");
 }
 
 QString HomeFolder::blacklistFile() const

@@ -23,10 +23,16 @@ public:
     [[nodiscard]] QString scheduleFile() const;
     /// "SearchServices.plist" in the support folder.
     [[nodiscard]] QString searchServicesFile() const;
+    /// "ServiceHealth.plist" in the support folder.
+    [[nodiscard]] QString serviceHealthFile() const;
     /// ".writerLock" in the support folder.
     [[nodiscard]] QString writerLockFile() const;
     /// ".updaterLock" in the support folder: held by the one refresh that runs.
     [[nodiscard]] QString updaterLockFile() const;
+    /// ".agentLock" in the support folder: held by the one agent of this home folder; holds its process id.
+    [[nodiscard]] QString agentLockFile() const;
+    /// ".updaterFlag" in the support folder: the user accepted the offer of a software update; empty.
+    [[nodiscard]] QString updaterFlagFile() const;
     /// "Blacklist" in the support folder.
     [[nodiscard]] QString blacklistFile() const;
     /// "UpdaterLog.log" in the support folder.

@@ -15,7 +15,9 @@ struct LoadedPage {
     QString finalAddress; ///< The address after redirects.
     int httpStatus = 0;   ///< 0 when no reply came.
     double seconds = 0.0; ///< From the request to the last byte.
-    QString error;        ///< One line for a person: "connection refused", "HTTP status 503", ...
+    /// Of a reply with a status of 400 or above: its beginning, where the loader keeps that; else empty.
+    QByteArray errorBody;
+    QString error; ///< One line for a person: "connection refused", "HTTP status 503", ...
 
     [[nodiscard]] bool ok() const { return error.isEmpty(); }
 };

@@ -28,10 +28,11 @@ public:
 
     [[nodiscard]] std::size_t groupCount() const;
     /// Looks for the first match within that range of the bytes. `groups` gets the whole match and each group.
-    [[nodiscard]] bool match(const QByteArray& bytes, Range within, std::vector<Range>& groups) const;
+    [[nodiscard]] bool match(const QByteArray& bytes, Range within, std::vector<Range>& groups);
 
 private:
     struct Compiled;
+    [[nodiscard]] static std::unique_ptr<Compiled> compiled(const QByteArray& pattern, int options, int& error);
     explicit PosixRegex(std::unique_ptr<Compiled> compiled);
     std::unique_ptr<Compiled> _compiled;
 };

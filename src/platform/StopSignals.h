@@ -15,6 +15,8 @@ public:
     bool wait();
     /// Waits for one more than those that came so far; same answer.
     bool waitForNext();
+    /// As if one had come; from any thread.
+    void request();
     /// Ends a wait of another thread, now or as soon as it begins. The signals stay held back.
     void cancel();
     /// Whether one has come; asks without waiting. Stays true.

@@ -16,6 +16,12 @@ public:
     explicit FoldedNeedle(QStringView needle);
     /// Whether the text contains it. The empty needle is in no text.
     [[nodiscard]] bool isIn(QStringView text) const;
+    /// Whether every text that contains this one contains the other one as well. A letter more can make another letter
+    /// of the one before, so that is not so for every text that begins with the other.
+    [[nodiscard]] bool contains(const FoldedNeedle& other) const
+    {
+        return !other._folded.isEmpty() && _folded.contains(other._folded);
+    }
 
 private:
     QString _folded;

@@ -198,6 +198,8 @@ private:
     void repeat(qint64 times, bool mayBeNone)
     {
         Piece& last = _open.back().last;
+        if (++_repetitions > RegexLimits::Repetitions)
+            _fault = QStringLiteral("more than %1 repetitions").arg(RegexLimits::Repetitions);
         nestEmpty(last, times);
         last.mayBeEmpty = last.mayBeEmpty || mayBeNone;
         if (last.refersBack)
@@ -255,6 +257,7 @@ private:
     std::vector<Group> _open;
     std::vector<Known> _known = {Known()}; // by number; 0 is the whole expression
     int _backReferences = 0;
+    int _repetitions = 0;
     qint64 _copies = 0;
     QString _fault;
 };

@@ -12,6 +12,8 @@ struct RegexLimits {
     static constexpr qsizetype PatternBytes = 32768;
     static constexpr int Depth = 200;
     static constexpr int Groups = 1000;
+    /// Optional or repeated pieces: each may be left out or not, at every character of the text.
+    static constexpr int Repetitions = 1000;
     /// Places that counted repetitions may add by copying, nested counts multiplied.
     static constexpr qint64 Copies = 1000;
     /// The same in a pattern that refers back.

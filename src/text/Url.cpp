@@ -1,74 +1,14 @@
 #include "text/Url.h"
 
-#include "text/FoldedSearch.h"
-
-#include <QUrl>
-
 #include <algorithm>
 
 namespace quarry {
 
 namespace {
 
-bool isLetter(char16_t c)
-{
-    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');
-}
-
-bool isDigit(char16_t c)
-{
-    return c >= u'0' && c <= u'9';
-}
-
-bool isSchemeText(QStringView text)
-{
-    return !text.isEmpty() && isLetter(text.front().unicode()) && std::all_of(text.begin(), text.end(), [](QChar unit) {
-        const char16_t c = unit.unicode();
-        return isLetter(c) || isDigit(c) || c == u'+' || c == u'-' || c == u'.';
-    });
-}
-
 bool endsAuthority(QChar c)
 {
     return c == u'/' || c == u'?' || c == u'#';
-}
-
-bool isHostCharacter(QChar c)
-{
-    return isAddressCharacter(c.unicode()) && c != u'/' && c != u'?' && c != u':' && c != u'@';
-}
-
-/// The host as names are looked up: escapes undone, ASCII form. Empty when that cannot be done.
-QByteArray asciiHost(QStringView host)
-{
-    const std::optional<QString> plain = percentUnescaped(host.toString());
-    if (!plain)
-        return {};
-    if (std::all_of(plain->begin(), plain->end(), isHostCharacter))
-        return plain->toLatin1();
-    return QUrl::toAce(*plain);
-}
-
-bool isReadableHost(QStringView host)
-{
-    if (host.startsWith(u'[')) {
-        const QStringView inner = host.mid(1).chopped(1);
-        return host.endsWith(u']') && !inner.isEmpty() && std::all_of(inner.begin(), inner.end(), [](QChar c) {
-                   return hexDigitValue(c.unicode()) >= 0 || c == u':' || c == u'.';
-               });
-    }
-    return std::all_of(host.begin(), host.end(), isHostCharacter) || !asciiHost(host).isEmpty();
-}
-
-bool isReadablePort(QStringView digits)
-{
-    unsigned value = 0;
-    for (const QChar c : digits) {
-        if (!isDigit(c.unicode()) || value > 65535)
-            return false;
-        value = value * 10 + (c.unicode() - u'0');
-    }
-    return value <= 65535;
 }
 
 /// The bracketed host of an address that has one; empty otherwise.
@@ -127,7 +67,7 @@ Url Url::fromStored(const QString& text)
 {
     Url url;
     url._text = text;
-    url.split();
+    url._parts = splitUrl(QStringView(text));
     return url;
 }
 
@@ -135,7 +75,8 @@ std::optional<Url> Url::fromText(const QString& text)
 {
     Url url;
     url._text = escapedForAddress(text, literalHostOf(text));
-    if (text.isEmpty() || !url.split())
+    url._parts = splitUrl(QStringView(url._text));
+    if (text.isEmpty() || !url._parts.isReadable)
         return std::nullopt;
     return url;
 }
@@ -146,12 +87,12 @@ std::optional<Url> Url::resolved(const Url& base, const QString& reference)
     if (!relative.scheme().isEmpty())
         return fromText(reference);
     const QStringView ref = relative._text;
-    const qsizetype baseAuthority = base._scheme.length > 0 ? base._scheme.length + 1 : 0;
+    const qsizetype baseAuthority = base._parts.scheme.length > 0 ? base._parts.scheme.length + 1 : 0;
     if (ref.startsWith(u"//"))
         return fromText(base._text.left(baseAuthority).append(ref));
 
-    QString text = base._text.left(base._path.begin);
-    const QStringView tail = ref.mid(relative._path.begin + relative._path.length); // "?query#fragment"
+    QString text = base._text.left(base._parts.path.begin);
+    const QStringView tail = ref.mid(relative._parts.path.begin + relative._parts.path.length); // "?query#fragment"
     if (!relative.path().isEmpty()) {
         const bool absolute = ref.startsWith(u'/');
         text += withoutDotSegments(absolute ? relative.path().toString() : mergedPath(base, relative.path()));
@@ -162,47 +103,6 @@ std::optional<Url> Url::resolved(const Url& base, const QString& reference)
         text = base._text.left(base.fragmentBegin()).append(tail);
     }
     return fromText(text);
-}
-
-bool Url::split()
-{
-    const QStringView text = _text;
-    qsizetype at = 0;
-    while (at < text.size() && text[at] != u':' && !endsAuthority(text[at]))
-        ++at;
-    if (at < text.size() && text[at] == u':' && isSchemeText(text.left(at)))
-        _scheme = {0, at++};
-    else
-        at = 0;
-
-    bool readable = true;
-    if (standsAt(text, at, u"//")) {
-        const qsizetype begin = at + 2;
-        at = begin;
-        while (at < text.size() && !endsAuthority(text[at]))
-            ++at;
-        readable = splitAuthority(begin, at);
-    }
-    const qsizetype end = fragmentBegin();
-    const qsizetype question = text.left(end).indexOf(u'?', at);
-    _path = {at, (question < 0 ? end : question) - at};
-    if (question >= 0)
-        _query = {question + 1, end - question - 1};
-    return readable;
-}
-
-bool Url::splitAuthority(qsizetype begin, qsizetype end)
-{
-    const QStringView authority = QStringView(_text).mid(begin, end - begin);
-    const qsizetype serverBegin = authority.lastIndexOf(u'@') + 1;
-    const QStringView server = authority.mid(serverBegin);
-    const qsizetype close = server.startsWith(u'[') ? server.indexOf(u']') : 0;
-    const qsizetype colon = close < 0 ? -1 : server.indexOf(u':', close);
-    const QStringView host = colon < 0 ? server : server.left(colon);
-    if (!isReadableHost(host) || (colon >= 0 && !isReadablePort(server.mid(colon + 1))))
-        return false;
-    _host = {begin + serverBegin, host.size()};
-    return true;
 }
 
 qsizetype Url::fragmentBegin() const
@@ -230,10 +130,10 @@ QByteArray Url::requestBytes() const
     QString out;
     out.reserve(text.size());
     for (qsizetype at = 0; at < text.size();) {
-        if (_host.length > 0 && at == _host.begin && !host().startsWith(u'[')) {
+        if (_parts.host.length > 0 && at == _parts.host.begin && !host().startsWith(u'[')) {
             const QByteArray ascii = asciiHost(host());
             out += QLatin1String(ascii.constData(), ascii.size());
-            at += _host.length;
+            at += _parts.host.length;
         } else if (text[at] > u' ' && text[at] < u'\x7f') {
             out += text[at++];
         } else {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "text/PercentEscapes.h"
+#include "text/UrlSplit.h"
 
 #include <QByteArray>
 #include <QString>
@@ -31,13 +32,13 @@ public:
     [[nodiscard]] bool isEmpty() const { return _text.isEmpty(); }
     [[nodiscard]] const QString& absoluteString() const { return _text; }
     /// Without the ":"; empty when there is none.
-    [[nodiscard]] QStringView scheme() const { return part(_scheme); }
+    [[nodiscard]] QStringView scheme() const { return part(_parts.scheme); }
     /// As written, without user and port; brackets of an IPv6 host included.
-    [[nodiscard]] QStringView host() const { return part(_host); }
+    [[nodiscard]] QStringView host() const { return part(_parts.host); }
     /// As written, escapes kept; empty for a bare host.
-    [[nodiscard]] QStringView path() const { return part(_path); }
+    [[nodiscard]] QStringView path() const { return part(_parts.path); }
     /// Without the "?"; empty when there is none.
-    [[nodiscard]] QStringView query() const { return part(_query); }
+    [[nodiscard]] QStringView query() const { return part(_parts.query); }
     /// The text after the last "." of the path's last component, escapes undone. A "/" at the path's end does not
     /// count; a name that only begins with a dot (".profile") or ends with one has no extension. Empty when there is
     /// none.
@@ -49,18 +50,11 @@ public:
     friend bool operator==(const Url& a, const Url& b) { return a._text == b._text; }
 
 private:
-    struct Range {
-        qsizetype begin = 0;
-        qsizetype length = 0;
-    };
-    [[nodiscard]] QStringView part(Range r) const { return QStringView(_text).mid(r.begin, r.length); }
-    /// Finds the parts. False when host or port cannot be read; host() is empty then.
-    bool split();
-    bool splitAuthority(qsizetype begin, qsizetype end);
+    [[nodiscard]] QStringView part(UrlParts::Range r) const { return QStringView(_text).mid(r.begin, r.length); }
     [[nodiscard]] qsizetype fragmentBegin() const;
 
     QString _text;
-    Range _scheme, _host, _path, _query;
+    UrlParts _parts;
 };
 
 } // namespace quarry

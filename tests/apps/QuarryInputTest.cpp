@@ -41,10 +41,10 @@ TEST(QuarryInput, WrongUseIsStatusTwoAndAWordAboutIt)
         {{u"add"_s}, u"a query needs words"_s},
         {{u"add"_s, u""_s}, u"a query needs words"_s},
         {{u"add"_s, u"  "_s}, u"a query needs words"_s},
-        {{u"add"_s, u"a"_s, u"--combine"_s, u"b"_s}, u"not both"_s},
-        {{u"add"_s, u"--combine"_s, u"b"_s, u"--combine"_s, u" "_s}, u"a --combine text is empty"_s},
-        {{u"add"_s, u"a"_s, u"--words"_s, u"some"_s}, u"must be one of all, phrase, page"_s},
-        {{u"add"_s, u"a"_s, u"--url"_s, u"a(b)(open"_s}, u"not balanced\n  a(b)(open\n      ^"_s},
+        {{u"combine"_s, u"--text"_s, u"b"_s, u"--text"_s, u"b"_s}, u"two texts or more that differ"_s},
+        {{u"combine"_s, u"--text"_s, u"b"_s, u"--text"_s, u" "_s}, u"a --text is empty"_s},
+        {{u"add"_s, u"a"_s, u"--words"_s, u"some"_s}, u"must be one of any, exact, in-page"_s},
+        {{u"add"_s, u"a"_s, u"--url-regex"_s, u"a(b)(open"_s}, u"not balanced\n  a(b)(open\n      ^"_s},
         {{u"add-folder"_s, u" "_s}, u"a folder needs a name"_s},
         {{u"show"_s, u""_s}, u"is empty"_s},
         {{u"move"_s, u"a"_s}, u"either --into FOLDER or --top"_s},
@@ -58,6 +58,8 @@ TEST(QuarryInput, WrongUseIsStatusTwoAndAWordAboutIt)
         {{u"blacklist"_s, u"add"_s, u"--type"_s, u"regex"_s, u"ab(c[z-a]d"_s}, u"\n  ab(c[z-a]d\n         ^"_s},
         {{u"blacklist"_s, u"remove"_s, u"1"_s}, u"there is no rule \"1\""_s},
         {{u"log"_s, u"--lines"_s, u"0"_s}, u"whole number from 1 to 5000"_s},
+        {{u"schedule"_s, u"every"_s, u"-5"_s}, u"number of minutes from 1 to 1000000"_s},
+        {{u"schedule"_s, u"every"_s}, u"on, off, or every"_s},
     };
     for (const auto& each : cases) {
         const Ran ran = runQuarry(home.path(), each.arguments);
@@ -71,8 +73,8 @@ TEST(QuarryInput, WrongUseIsStatusTwoAndAWordAboutIt)
 TEST(QuarryInput, EveryCommandHasHelpWithExamples)
 {
     const QString commands =
-        u"list show results add add-folder edit rename move remove enable disable read unread hide "
-        "unhide rate exclude refresh prefs schedule services blacklist log"_s;
+        u"list show results add combine add-folder edit rename move remove enable disable read unread hide "
+        "unhide rate exclude offline refresh export import agent prefs schedule services blacklist log"_s;
     for (const QString& command : commands.split(u' ')) {
         const Ran ran = runQuarry(QString(), {command, u"--help"_s});
         EXPECT_EQ(ran.status, 0) << command.toStdString();
@@ -93,7 +95,13 @@ TEST(QuarryInput, CompletionKnowsCommandsOptionsAndTitles)
         {{u"--home"_s, home.path(), u"show"_s, u"RAI"_s}, u"raised\\ bed"_s},
         {{u"--home"_s, home.path(), u"show"_s, u"x"_s}, u""_s},
         {{u"blacklist"_s, u"a"_s}, u"add"_s},
+        {{u"agent"_s, u"st"_s}, u"start stop status"_s},
+        {{u"schedule"_s, u"o"_s}, u"on off"_s},
+        {{u"export"_s, u"--f"_s}, u"--format"_s},
+        {{u"--home"_s, home.path(), u"export"_s, u"RAI"_s}, u"raised\\ bed"_s},
+        {{u"--home"_s, home.path(), u"import"_s, u"x"_s, u"--into"_s, u"RAI"_s}, u"raised\\ bed"_s},
         {{u"blacklist"_s, u"add"_s, u"--t"_s}, u"--type"_s},
+        {{u"--home"_s, home.path(), u"offline"_s, u"copy"_s, u"RAI"_s}, u"raised\\ bed"_s},
     };
     for (const auto& each : cases) {
         QProcess bash;

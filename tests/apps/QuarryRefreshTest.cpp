@@ -67,7 +67,8 @@ TEST_F(QuarryRefresh, FindsWhatIsThereAndThenOnlyWhatIsNew)
 
     const Ran first = run({u"refresh"_s});
     EXPECT_EQ(first.status, 0) << first.err.toStdString();
-    EXPECT_EQ(first.out, u"[1/1] starter: 2 new\n1 query updated: 2 added, 0 excluded, 0 blacklisted\n"_s);
+    EXPECT_EQ(first.out, u"[1/1] starter: 2 new\n1 query updated: 2 added, 0 excluded, 0 blacklisted\n"
+                         "Google, Yahoo, Bing, Ixquick: results\n"_s);
     EXPECT_EQ(newTitles(), (QStringList{u"Rye starter"_s, u"Wheat starter"_s}));
     EXPECT_FALSE(run({u"schedule"_s, u"--json"_s}).json()[u"lastUpdate"].isNull());
 

@@ -38,7 +38,7 @@ TEST(QuarrySettings, PreferencesAndScheduleKeepForeignEntries)
     EXPECT_TRUE(contentOf(home->preferencesFile()).contains("pref_other"));
 
     ASSERT_TRUE(writeFile(home->scheduleFile(), plist("<key>pref_other</key><string>kept</string>")));
-    EXPECT_EQ(runQuarry(home.path(), {u"schedule"_s, u"--automatic"_s, u"on"_s, u"--every"_s, u"45"_s}).status, 0);
+    EXPECT_EQ(runQuarry(home.path(), {u"schedule"_s, u"on"_s, u"every"_s, u"45"_s}).status, 0);
     const QJsonObject schedule = runQuarry(home.path(), {u"schedule"_s, u"--json"_s}).json();
     EXPECT_TRUE(schedule[u"automatic"_s].toBool());
     EXPECT_EQ(schedule[u"everyMinutes"_s].toInt(), 45);

@@ -50,9 +50,9 @@ TEST(QuarryTree, CommandsSayWhatTheyDidAndTheTreeIsSo)
               {words("add sourdough hydration"), 0, u"Added query \"sourdough hydration\" (%ID)"_s},
               {words("add-folder Kitchen"), 0, u"Added folder \"Kitchen\" (%ID)"_s},
               {words("add-folder Bread --folder Kitchen"), 0, u"Added folder \"Bread\""_s},
-              {words("add bed --words phrase --site g.example --url gard[en]+ --folder Kitchen --title Bed"), 0,
+              {words("add bed --words exact --site g.example --url-regex gard[en]+ --folder Kitchen --title Bed"), 0,
                u"Added advanced query \"Bed\""_s},
-              {{u"add"_s, u"--combine"_s, u"rye starter"_s, u"--combine"_s, u"wheat"_s, u"--title"_s, u"Starters"_s},
+              {{u"combine"_s, u"--text"_s, u"rye starter"_s, u"--text"_s, u"wheat"_s, u"--title"_s, u"Starters"_s},
                0,
                u"combined query"_s},
               {{u"move"_s, u"sourdough hydration"_s, u"--into"_s, u"bread"_s},
@@ -63,8 +63,8 @@ TEST(QuarryTree, CommandsSayWhatTheyDidAndTheTreeIsSo)
               {words("rename Kitchen Küche"), 0, u"Renamed \"Kitchen\" to \"Küche\""_s},
               {words("disable Küche"), 0, u"Paused 2 queries"_s},
               {words("enable Bed"), 0, u"Enabled 1 query"_s},
-              {words("edit Bed --text raised --words all"), 0, u"Changed advanced query \"Bed\""_s},
-              {words("add any --words all --folder Bread"), 0, u"Added query \"any\""_s},
+              {words("edit Bed --text raised --words any"), 0, u"Changed advanced query \"Bed\""_s},
+              {words("add any --words any --folder Bread"), 0, u"Added query \"any\""_s},
               {words("remove any"), 0, u"Removed query \"any\""_s},
               {words("remove Küche"), 1, u"is not empty"_s}});
     EXPECT_EQ(withoutIds(runQuarry(home.path(), {u"list"_s}).out),
@@ -78,7 +78,7 @@ TEST(QuarryTree, CommandsSayWhatTheyDidAndTheTreeIsSo)
 )"));
     const QJsonObject bed = runQuarry(home.path(), words("show Bed --json")).json();
     EXPECT_EQ(bed[u"query"_s].toString(), u"raised"_s);
-    EXPECT_EQ(bed[u"words"_s].toString(), u"all"_s);
+    EXPECT_EQ(bed[u"words"_s].toString(), u"any"_s);
     EXPECT_EQ(bed[u"site"_s].toString(), u"g.example"_s);
     EXPECT_EQ(bed[u"urlExpression"_s].toString(), u"gard[en]+"_s);
     EXPECT_EQ(runQuarry(home.path(), words("show Starters --json")).json()[u"combined"_s].toArray(),
@@ -88,6 +88,32 @@ TEST(QuarryTree, CommandsSayWhatTheyDidAndTheTreeIsSo)
              {{words("remove Küche --recursive"), 0, u"Removed folder \"Küche\" with 2 queries and 0 results"_s},
               {words("remove Starters"), 0, u"Removed query \"Starters\" with 0 results"_s},
               {words("list"), 0, u"No queries yet"_s}});
+}
+
+TEST(QuarryTree, CombiningTakesTheWordsAndTheRestrictionsOfQueries)
+{
+    const TemporaryHome home;
+    runSteps(home.path(), {{words("add-folder Bread"), 0, u""_s},
+                           {words("add rye --words exact --site b.example --folder Bread"), 0, u""_s},
+                           {words("add wheat --words exact --site b.example --folder Bread"), 0, u""_s},
+                           {words("add oats"), 0, u""_s},
+                           {words("combine Bread --title Both --folder Bread"), 0, u"Added combined query \"Both\""_s},
+                           {words("combine rye oats"), 2, u"restricted in different ways"_s},
+                           {words("combine oats Both --text spelt --words in-page --title All"), 0, u"\"All\""_s},
+                           {words("combine rye nothing"), 1, u"there is no query or folder \"nothing\""_s},
+                           {words("edit All --text a --text b --site x.example"), 0, u"\"All\""_s},
+                           {words("edit rye --text a --text b"), 2, u"no combined query; give one --text"_s}});
+    const struct {
+        QString title, words, site;
+        QJsonArray texts;
+    } expected[] = {{u"Both"_s, u"exact"_s, u"b.example"_s, {u"rye"_s, u"wheat"_s}},
+                    {u"All"_s, u"in-page"_s, u"x.example"_s, {u"a"_s, u"b"_s}}};
+    for (const auto& each : expected) {
+        const QJsonObject query = runQuarry(home.path(), {u"show"_s, each.title, u"--json"_s}).json();
+        EXPECT_EQ(query[u"words"_s].toString(), each.words);
+        EXPECT_EQ(query[u"site"_s].toString(), each.site);
+        EXPECT_EQ(query[u"combined"_s].toArray(), each.texts);
+    }
 }
 
 TEST(QuarryTree, AQueryIsNamedByTitleOrByTheBeginningOfItsId)

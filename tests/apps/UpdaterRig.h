@@ -39,6 +39,12 @@ public:
         const std::lock_guard lock(_mutex);
         _held = part;
     }
+    /// Returns once such a request has come.
+    void waitUntilHeld()
+    {
+        std::unique_lock lock(_mutex);
+        _changed.wait(lock, [this] { return _waiting > 0; });
+    }
     void release()
     {
         const std::lock_guard lock(_mutex);
@@ -50,21 +56,30 @@ private:
     void serve(const QByteArray& head, const LoopbackServer::Send& send)
     {
         const QByteArray request = head.left(head.indexOf('\r'));
+        waitWhileHeld(request);
         if (const auto page = pages.find(request.split(' ').value(1)); page != pages.end()) {
             send(LoopbackServer::reply(page->second));
             return;
         }
         const SearchService service = serviceOf(request).value();
         std::unique_lock lock(_mutex);
-        _changed.wait(lock, [&] { return _held.isEmpty() || !request.contains(_held); });
         const QByteArray page = resultPage(service, results[service]);
         lock.unlock();
         send(LoopbackServer::reply(page));
+    }
+    void waitWhileHeld(const QByteArray& request)
+    {
+        std::unique_lock lock(_mutex);
+        const auto isHeld = [&] { return !_held.isEmpty() && request.contains(_held); };
+        _waiting += isHeld();
+        _changed.notify_all();
+        _changed.wait(lock, [&] { return !isHeld(); });
     }
 
     std::mutex _mutex;
     std::condition_variable _changed;
     QByteArray _held;
+    int _waiting = 0; ///< Requests that were held.
     LoopbackServer _server{[this](const QByteArray& head, const auto& send) { serve(head, send); }};
 };
 
@@ -149,7 +164,7 @@ protected:
     }
     Ended end(QProcess& process)
     {
-        EXPECT_TRUE(process.waitForFinished(60000));
+        EXPECT_TRUE(process.state() == QProcess::NotRunning || process.waitForFinished(60000));
         Ended ended;
         ended.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
         ended.events = std::exchange(_seen, {});

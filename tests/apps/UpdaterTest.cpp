@@ -2,6 +2,7 @@
 #include "archive/ArchiveReader.h"
 #include "blacklist/BlacklistStore.h"
 #include "database/Schedule.h"
+#include "support/SessionBusDaemon.h"
 
 #include <QElapsedTimer>
 
@@ -162,6 +163,27 @@ TEST_F(UpdaterTest, AnInterruptEndsItAtOnceAndKeepsWhatWasFound)
     EXPECT_EQ(query(u"hangs"_qs)->nbItems(), 0);
     EXPECT_EQ(query(u"hangs"_qs)->date(), Date::reference());
     EXPECT_FALSE(Schedule(home, files).read(SystemClock().now()).lastUpdate);
+}
+
+TEST_F(UpdaterTest, EndsWhenEveryProgramOfTheProductIsAskedTo)
+{
+    const test::SessionBusDaemon daemon;
+    addQuery(u"hangs"_qs);
+    services.hold("p=hangs");
+    QProcess process;
+    start(process, Progress);
+    ASSERT_TRUE(waitForEvent(process, about("service-answered", "hangs")));
+    QElapsedTimer timer;
+    timer.start();
+    // It may not listen yet the first time.
+    while (process.state() == QProcess::Running && timer.elapsed() < 60000) {
+        QProcess::execute(u"dbus-send"_qs,
+                          {u"--session"_qs, u"--type=signal"_qs, u"/com/zep/QuarrySpotter/Notifications"_qs,
+                           u"com.zep.QuarrySpotter.Notifications.Posted"_qs,
+                           u"string:QUIT_EVERYBODY_NOTIFICATION QS1"_qs, u"dict:string:string:by,a test"_qs});
+        process.waitForFinished(100);
+    }
+    EXPECT_EQ(end(process).status, 5);
 }
 
 TEST_F(UpdaterTest, WhatOthersEditMeanwhileSurvivesWithWhatItFound)

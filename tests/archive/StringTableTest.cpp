@@ -3,9 +3,7 @@
 #include "archive/PropertyList.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -40,33 +38,6 @@ TEST(StringTable, TakesTheUsersLanguageThenEnglishThenTheKey)
     EXPECT_EQ(french.text(b), QStringLiteral("two"));
     EXPECT_EQ(french.text(QStringLiteral("c")), QStringLiteral("c"));
     EXPECT_EQ(StringTable(QString(), {}).text(a), a);
-}
-
-TEST(StringTable, EveryKeyInTheSourcesHasATextInEveryLanguage)
-{
-    const QRegularExpression literal(QStringLiteral("\"((?:[0-9]{3}|Updater_1\\.0)_[^\"%]+)\""));
-    QStringList keys;
-    QDirIterator sources(QStringLiteral(QUARRY_TEST_DATA "/../../src"),
-                         {QStringLiteral("*.cpp"), QStringLiteral("*.h")}, QDir::Files, QDirIterator::Subdirectories);
-    while (sources.hasNext()) {
-        QFile source(sources.next());
-        ASSERT_TRUE(source.open(QIODevice::ReadOnly));
-        const QString text = QString::fromUtf8(source.readAll());
-        for (auto match = literal.globalMatch(text); match.hasNext();)
-            keys.append(match.next().captured(1));
-    }
-    EXPECT_GE(keys.size(), 7) << "the services' languages and the placeholders at least";
-
-    const QDir resources(QStringLiteral(QUARRY_BUNDLE_DIR "/Resources"));
-    const QStringList languages = resources.entryList({QStringLiteral("*.lproj")}, QDir::Dirs);
-    EXPECT_FALSE(languages.isEmpty());
-    for (const QString& language : languages) {
-        QFile file(resources.filePath(language + QStringLiteral("/Localizable.strings")));
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << file.fileName().toStdString();
-        const PlistValue table = readPropertyList(file.readAll()).value_or(PlistValue());
-        for (const QString& key : keys)
-            EXPECT_TRUE(table[key].text()) << language.toStdString() << " lacks " << key.toStdString();
-    }
 }
 
 } // namespace

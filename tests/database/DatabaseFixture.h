@@ -23,6 +23,9 @@ public:
 
 /// A home folder and everything an engine needs.
 class DatabaseFixture : public ::testing::Test {
+public:
+    ~DatabaseFixture() override { setSystemLogSink({}); }
+
 protected:
     using Engine = QueryDatabaseEngine;
 
@@ -30,7 +33,6 @@ protected:
     {
         setSystemLogSink([this](const QString& line) { log.append(line); });
     }
-    ~DatabaseFixture() override { setSystemLogSink({}); }
 
     Engine::Parts parts()
     {

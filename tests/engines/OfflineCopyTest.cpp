@@ -29,7 +29,8 @@ protected:
     {
         return createCacheAtPath(query, home.path(),
                                  {loaders, files, notifications, [this] { ++replies; },
-                                  [this](qsizetype done, qsizetype) {
+                                  [this](const CopiedPage& page, qsizetype done, qsizetype) {
+                                      states.push_back(page.state);
                                       if (done == stopAfter)
                                           notifications.post(u"appwantsquit"_qs);
                                   }});
@@ -47,6 +48,7 @@ protected:
     ResultPageLoaders loaders{loader, loader, SearchServices(), [](const QString&) { return false; }};
     QueryCorePtr query = QueryCore::initWithQuery(u"q"_qs);
     QString folder = home.path() + u"/"_qs + query->UUID() + u"/"_qs;
+    std::vector<CopiedPage::State> states;
     qsizetype stopAfter = 0;
     int replies = 0;
 };
@@ -54,8 +56,12 @@ protected:
 TEST_F(OfflineCopy, HoldsTheTextOfEachPageAndIsMadeOnce)
 {
     notifications.post(u"appwantsquit"_qs); // Nobody copies yet.
+    query->setSearchString(u"searched in the window meanwhile"_qs);
     EXPECT_EQ(copy(), OfflineCopyEnd::Made);
     EXPECT_EQ(names(), QStringList({u"A"_qs, u"B"_qs, u"C"_qs, u"E"_qs}));
+    using State = CopiedPage::State;
+    EXPECT_EQ(states,
+              (std::vector{State::Copied, State::WithoutText, State::Unreadable, State::Unnamed, State::Copied}));
     EXPECT_EQ(content(u"A"_qs), "caf\xC3\xA9 open");
     EXPECT_EQ(content(u"B"_qs) + content(u"C"_qs), "");
     EXPECT_FALSE(content(u"E"_qs).isEmpty());

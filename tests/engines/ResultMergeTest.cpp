@@ -3,6 +3,8 @@
 #include "engines/Records.h"
 #include "model/ResultComparator.h"
 
+#include <QUuid>
+
 #include <gtest/gtest.h>
 
 namespace quarry {
@@ -36,7 +38,9 @@ TEST(ResultMerge, StampsWhatIsNew)
                           .withVisible(true)
                           .withParentQueryUuid(u"QUERY"_qs)
                           .withLinkUuid(record.linkUuid().value()));
-    EXPECT_EQ(record.linkUuid()->size(), 36);
+    const QUuid uuid = QUuid::fromString(record.linkUuid().value());
+    EXPECT_EQ(uuid.version(), QUuid::Random);
+    EXPECT_EQ(uuid.toString(QUuid::WithoutBraces).toUpper(), record.linkUuid());
     EXPECT_NE(record.linkUuid(), outcome.results[1].linkUuid());
 }
 

@@ -1,4 +1,5 @@
 #include "engines/PageExtraction.h"
+#include "support/ServicePages.h"
 #include "support/TemporaryHome.h"
 
 #include <QDir>
@@ -71,6 +72,25 @@ TEST(ResultPages, GiveWhatIsExpectedOfThem)
         const Fixture f = fixture(file);
         EXPECT_EQ(found(f, f.page).toStdString(), f.expected.toStdString()) << qPrintable(f.name);
     }
+}
+
+TEST(ResultPages, GiveNoMoreThanAnybodyWants)
+{
+    const QString longest = u"http://a/"_qs + QString(8183, u'x');
+    QStringList addresses{longest + u'x', longest};
+    for (int i = 0; i < 2000; ++i)
+        addresses.append(u"http://a/%1"_qs.arg(i));
+    const DecodedPage page{QString::fromUtf8(test::resultPage(SearchService::Google, addresses))};
+    const QList<FoundLink> links = extractPage(SearchService::Google, page, 0, placeholders).links;
+    ASSERT_EQ(links.size(), 1000);
+    EXPECT_EQ(links.first().url.absoluteString(), longest);
+    EXPECT_EQ(links.last().url.absoluteString(), u"http://a/998"_qs);
+
+    const QString unclosed = uR"(<div id="res"><li class="g"><h3 class="r"><a href="http://a/">t</a></h3>)"_qs +
+                             uR"(<div class="s">)"_qs + u"x"_qs + u"😀"_qs.repeated(6000);
+    const auto found = extractPage(SearchService::Google, DecodedPage{unclosed}, 0, placeholders).links;
+    ASSERT_EQ(found.size(), 1);
+    EXPECT_EQ(found.first().description, u"x"_qs + u"😀"_qs.repeated(4999));
 }
 
 TEST(ResultPages, GiveTheSameWithinAMegabyteOfNoise)

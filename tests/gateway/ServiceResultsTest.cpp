@@ -100,6 +100,14 @@ TEST_P(ServiceResults, EveryDocumentIsReadFromThePages)
     }
 }
 
+TEST_P(ServiceResults, APageThatSaysThereIsNothingIsUnderstood)
+{
+    const FetchOutcome outcome = ask(addresses().searchUrl(GetParam(), false), QStringLiteral("astrolabe"));
+    ASSERT_EQ(outcome.pages.size(), 3);
+    for (const PageFacts& page : outcome.pages)
+        EXPECT_EQ(page.sign, PageSign::NoResults) << page.start;
+}
+
 /// Those that have a form for them.
 class ServiceRestrictions : public ServiceResults {};
 

@@ -236,6 +236,32 @@ TEST(QueryArchive, ChildrenInACollectionOfAnUnknownKindAreCarriedThrough)
     EXPECT_EQ(reader.entry(kept, QLatin1String("kept")).item.type, PlistItem::Type::True);
 }
 
+TEST(QueryArchive, CombinedTextsKeepWhatElseStandsAmongThem)
+{
+    const QByteArray objects = "<dict><key>$class</key>" + reference(9) +
+                               "<key>NS.objects</key><array><string>one</string>" + reference(11) +
+                               "<string>two</string><integer>7</integer></array></dict>"
+                               "<dict><key>$class</key>" +
+                               reference(12) +
+                               "<key>kept</key><true/></dict>"
+                               "<dict><key>$classname</key><string>Later</string></dict>";
+    const LoadedTree tree = loadTree(xmlTree("<key>combinedQueryListKey</key>" + reference(10), objects));
+    ASSERT_TRUE(tree.root) << tree.reason.toStdString();
+    EXPECT_EQ(onlyChild(tree)->combinedQueries(), (QStringList{QStringLiteral("one"), QStringLiteral("two")}));
+    for (QByteArray bytes = saved(tree.root); const int round : {1, 2}) {
+        const auto opened = KeyedArchive::open(bytes);
+        ASSERT_TRUE(opened.archive) << opened.reason.toStdString();
+        ArchiveReader reader(opened.archive);
+        const auto childs = reader.list(reader.entry(reader.root(), QLatin1String("queryChildsKey")));
+        const auto list = reader.list(reader.entry(reader.value(childs->at(0)), QLatin1String("combinedQueryListKey")));
+        ASSERT_EQ(list->count(), 4U) << round;
+        EXPECT_EQ(reader.entry(reader.value(list->at(1)), QLatin1String("kept")).item.type, PlistItem::Type::True);
+        EXPECT_EQ(reader.text(reader.value(list->at(2)))->toString(), QStringLiteral("two"));
+        EXPECT_EQ(reader.number(reader.value(list->at(3)))->integer, 7);
+        bytes = saved(loadTree(bytes).root);
+    }
+}
+
 TEST(QueryArchive, WhateverIsSavedCanBeReadBack)
 {
     // Hosts, texts and rules that many queries have in common take next to no room in the file.

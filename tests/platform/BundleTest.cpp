@@ -36,4 +36,30 @@ TEST(Bundle, EveryProgramFindsItsResourcesAndTheUpdater)
     EXPECT_TRUE(Bundle(QString()).resourcesFolder().isEmpty());
 }
 
+TEST(Bundle, TellsWhatItsDescriptionSaysAndWhatLiesBesideItsProgram)
+{
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("Outer.app/Contents/Agents/In & Out.app"));
+    const QString bin = path + QStringLiteral("/Contents/bin");
+    ASSERT_TRUE(QDir().mkpath(bin + QStringLiteral("/Helper.app")));
+    QFile info(path + QStringLiteral("/Contents/Info.plist"));
+    ASSERT_TRUE(info.open(QIODevice::WriteOnly));
+    info.write("<?xml version=\"1.0\"?><!-- x --><plist version=\"1.0\"><dict><key>Types</key><array><dict>"
+               "<key>CFBundleExecutable</key><string>inner</string></dict></array><key>Number</key><integer>7</integer>"
+               "<key>CFBundleExecutable</key><string>In &amp; Out</string></dict></plist>");
+    info.close();
+    const Bundle bundle = Bundle::at(path + QStringLiteral("/"));
+    EXPECT_EQ(bundle.bundlePath(), path);
+    EXPECT_EQ(Bundle(bin + QStringLiteral("/tool")).bundlePath(), path);
+    EXPECT_EQ(bundle.infoValue(QStringLiteral("CFBundleExecutable")), QStringLiteral("In & Out"));
+    EXPECT_TRUE(bundle.infoValue(QStringLiteral("Number")).isEmpty());
+    EXPECT_TRUE(bundle.executable().isEmpty());
+    ASSERT_TRUE(QFile::copy(QStringLiteral("/bin/true"), bin + QStringLiteral("/In & Out")));
+    EXPECT_EQ(bundle.executable(), bin + QStringLiteral("/In & Out"));
+    EXPECT_EQ(bundle.auxiliaryExecutable(QStringLiteral("Helper.app")), bin + QStringLiteral("/Helper.app"));
+    for (const QString& name : {QStringLiteral("None"), QString(), QStringLiteral("../bin/In & Out")})
+        EXPECT_TRUE(bundle.auxiliaryExecutable(name).isEmpty()) << name.toStdString();
+    EXPECT_TRUE(Bundle(QStringLiteral("/usr/bin/quarry")).bundlePath().isEmpty());
+}
+
 } // namespace

@@ -3,6 +3,8 @@
 #include "platform/NetworkReach.h"
 #include "support/LoopbackServer.h"
 
+#include <QList>
+
 #include <gtest/gtest.h>
 #include <zlib.h>
 
@@ -97,6 +99,31 @@ TEST(CurlPageLoader, ABrokenReplyIsAFailureWithAReasonAndNoBytes)
         EXPECT_FALSE(loader.load(address).ok()) << address;
 }
 
+TEST(CurlPageLoader, OfARefusalTheBeginningIsKeptWhereThatIsWanted)
+{
+    LoopbackServer* running = nullptr;
+    LoopbackServer server([&](const QByteArray& head, const Send& send) {
+        if (pathOf(head) == "/long")
+            send("HTTP/1.1 503 Busy\r\nContent-Length: 2097152\r\n\r\n" + QByteArray(1 << 20, 'x'));
+        else
+            send(LoopbackServer::reply("who are you?", "403 Forbidden"));
+        if (pathOf(head) == "/long")
+            running->waitForClient();
+    });
+    running = &server;
+    CurlPageLoader::Limits limits;
+    limits.errorBytes = 1000;
+    CurlPageLoader loader(limits);
+    const LoadedPage refused = loader.load(server.address("/short"));
+    EXPECT_EQ(refused.error, QStringLiteral("HTTP status 403"));
+    EXPECT_EQ(refused.errorBody, "who are you?");
+    EXPECT_TRUE(refused.bytes.isEmpty());
+    const LoadedPage busy = loader.load(server.address("/long"));
+    EXPECT_EQ(busy.error, QStringLiteral("HTTP status 503"));
+    EXPECT_EQ(busy.errorBody, QByteArray(1000, 'x'));
+    EXPECT_TRUE(CurlPageLoader().load(server.address("/short")).errorBody.isEmpty());
+}
+
 TEST(CurlPageLoader, CompressedPagesComeUnpackedUpToTheLimit)
 {
     const QByteArray body = QByteArray("0123456789abcdef").repeated(1 << 20); // 16 MiB to the byte
@@ -159,7 +186,7 @@ TEST(CurlPageLoader, ConnectsOnlyWhereItMay)
         else
             send(LoopbackServer::reply("the page"));
     });
-    const QString refusal = QStringLiteral("the address is not one of the public network");
+    const QString refusal = QStringLiteral("the address may not be connected to");
     CurlPageLoader publicOnly(CurlPageLoader::Limits(), [](const QByteArray& ip) { return !isPrivateAddress(ip); });
     const QByteArray port = QByteArray::number(server.port());
     for (const char* host : {"127.0.0.1", "localhost", "0.0.0.0", "[::1]", "[::ffff:127.0.0.1]", "127.1"})
@@ -185,7 +212,7 @@ TEST(CurlPageLoader, ARuleHoldsForConnectionsThatAreOpenAlready)
     limits.withoutData = std::chrono::seconds(1);
     CurlPageLoader nowhere(limits, [](const QByteArray&) { return false; });
     EXPECT_EQ(anywhere.load(server.address()).bytes, "the page");
-    EXPECT_EQ(nowhere.load(server.address()).error, QStringLiteral("the address is not one of the public network"));
+    EXPECT_EQ(nowhere.load(server.address()).error, QStringLiteral("the address may not be connected to"));
     EXPECT_EQ(server.requests().size(), 1U);
 }
 

@@ -1,6 +1,8 @@
 #include "platform/FileStore.h"
 
 #include "platform/DamagedFile.h"
+#include "platform/Leftovers.h"
+#include "support/QtPrinting.h"
 #include "support/TemporaryHome.h"
 
 #include <QProcess>
@@ -8,6 +10,8 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+
+#include <filesystem>
 
 using namespace quarry;
 
@@ -95,6 +99,59 @@ TEST_F(FileStoreTest, AFailureLeavesTheOldFileAndNoTemporary)
     EXPECT_EQ(store.read(path()).bytes, "kept");
     EXPECT_EQ(names(), QStringList(QStringLiteral("file")));
     EXPECT_FALSE(store.replace(path("missing/file"), QStringLiteral(".dat"), 0660, QByteArray()).ok());
+}
+
+TEST_F(FileStoreTest, ALinkIsFollowedAndStays)
+{
+    ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("elsewhere")));
+    ASSERT_TRUE(store.replace(path("elsewhere/real"), QStringLiteral(".dat"), 0660, QByteArray("old")).ok());
+    ASSERT_TRUE(QFile::link(QStringLiteral("elsewhere/real"), path()));
+    const auto written = replace("new");
+    ASSERT_TRUE(written.ok()) << written.error.toStdString();
+    EXPECT_TRUE(QFileInfo(path()).isSymLink());
+    EXPECT_EQ(store.read(path("elsewhere/real")).bytes, "new");
+    EXPECT_EQ(store.stamp(path()), written.stamp);
+    EXPECT_EQ(names().size(), 2);
+
+    ASSERT_TRUE(QFile::remove(path("elsewhere/real")));
+    const auto dangling = replace("lost");
+    EXPECT_TRUE(dangling.error.contains(QLatin1String("No such file"))) << dangling.error.toStdString();
+    EXPECT_TRUE(QFileInfo(path()).isSymLink()) << "what it leads to may be on a disk that is away for now";
+}
+
+TEST_F(FileStoreTest, OldTemporariesAreRemovedAndNothingElse)
+{
+    const QStringList all = {QStringLiteral(".s0123456789abcdef"), QStringLiteral(".s0123456789abcdee"),
+                             QStringLiteral(".s0123456789abcde"),  QStringLiteral(".s0123456789abcdeX"),
+                             QStringLiteral(".t0123456789abcdef"), QStringLiteral(".settings")};
+    for (const QString& name : all) {
+        ASSERT_TRUE(test::writeFile(folder.filePath(name), "x"));
+        const std::filesystem::path file = folder.filePath(name).toStdString();
+        if (name != all[1])
+            std::filesystem::last_write_time(file, std::filesystem::last_write_time(file) - std::chrono::hours(2));
+    }
+    removeLeftovers(folder.path(), {QStringLiteral(".s")});
+    QStringList left = names();
+    left.sort();
+    QStringList expected = all.mid(1);
+    expected.sort();
+    EXPECT_EQ(left, expected);
+
+    // What a write leaves behind is named so that it can be told.
+    QString temporary;
+    ASSERT_TRUE(store
+                    .replace(path(), QStringLiteral(".s"), 0600,
+                             [&](ByteSink& sink) {
+                                 for (const QString& name : names())
+                                     temporary = left.contains(name) ? temporary : name;
+                                 return sink.append("x", 1);
+                             })
+                    .ok());
+    ASSERT_TRUE(test::writeFile(folder.filePath(temporary), "x"));
+    const std::filesystem::path file = folder.filePath(temporary).toStdString();
+    std::filesystem::last_write_time(file, std::filesystem::last_write_time(file) - std::chrono::hours(2));
+    removeLeftovers(folder.path(), {QStringLiteral(".s")});
+    EXPECT_FALSE(QFile::exists(folder.filePath(temporary))) << temporary.toStdString();
 }
 
 TEST_F(FileStoreTest, ReadingTellsMissingFromUnreadable)

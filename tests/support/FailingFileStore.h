@@ -7,7 +7,7 @@
 
 namespace quarry::test {
 
-/// The real file store, until it is told to fail. Thread-safe but for `beforeReplace`, which is set first.
+/// The real file store, until it is told to fail. Thread-safe but for the functions, which are set first.
 class FailingFileStore final : public FileStore {
 public:
     using FileStore::replace;
@@ -20,6 +20,9 @@ public:
     /// Called before each replacement, with its path.
     std::function<void(const QString&)> beforeReplace;
 
+    /// Called after each reading, before its result is given out.
+    std::function<void(const QString&)> afterRead;
+
     [[nodiscard]] std::optional<FileStamp> stamp(const QString& path) const override
     {
         ++stamps;
@@ -30,7 +33,10 @@ public:
         ++reads;
         if (failReads)
             return {{}, {}, QStringLiteral("cannot read %1: Input/output error").arg(path)};
-        return _disk.read(path);
+        ReadResult result = _disk.read(path);
+        if (afterRead)
+            afterRead(path);
+        return result;
     }
     [[nodiscard]] WriteResult replace(const QString& path, const QString& temporaryPrefix, unsigned mode,
                                       const Producer& producer) override

@@ -1,6 +1,7 @@
 #include "support/LoopbackServer.h"
 
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -48,7 +49,7 @@ LoopbackServer::LoopbackServer(Handler handler) : _handler(std::move(handler))
     socklen_t length = sizeof address;
     auto* const general = reinterpret_cast<sockaddr*>(&address);
     if (::bind(_listener, general, length) != 0 || ::listen(_listener, 64) != 0 ||
-        ::getsockname(_listener, general, &length) != 0 || ::pipe(_wake) != 0)
+        ::getsockname(_listener, general, &length) != 0 || ::pipe2(_wake, O_CLOEXEC) != 0)
         throw std::runtime_error("no loopback server");
     _port = ntohs(address.sin_port);
     _acceptor = std::thread([this] { acceptLoop(); });

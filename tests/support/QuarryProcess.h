@@ -22,12 +22,13 @@ struct Ran {
 /// A `quarry` process over a home folder, in UTC.
 class QuarryProcess final {
 public:
-    QuarryProcess(const QString& home, const QStringList& arguments)
+    QuarryProcess(const QString& home, const QStringList& arguments, const QString& workingFolder = QString())
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("TZ"), QStringLiteral("UTC"));
         environment.remove(QStringLiteral("QUARRY_DEBUG"));
         _process.setProcessEnvironment(environment);
+        _process.setWorkingDirectory(workingFolder);
         _process.start(QStringLiteral(QUARRY_BUNDLE_DIR "/bin/quarry"),
                        home.isEmpty() ? arguments : arguments + QStringList{QStringLiteral("--home"), home});
     }

@@ -64,6 +64,8 @@ inline QByteArray resultPage(SearchService service, const QStringList& addresses
         item.replace(QLatin1String("%1"), QString::number(i + 1)).replace(QLatin1String("%2"), addresses[i]);
         page += item + QLatin1Char('\n');
     }
+    if (addresses.isEmpty())
+        page += QLatin1String("<p>No document matches</p>");
     return (page + QLatin1String(form.end) + QLatin1String("</body></html>")).toUtf8();
 }
 

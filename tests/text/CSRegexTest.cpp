@@ -76,6 +76,7 @@ TEST(CSRegexTest, PatternsThatWouldEatTheMachineAreRefused)
         u("(a|^)\\1"),
         u("(a)(\\1b)*"),
         QString(40000, QLatin1Char('a')),
+        u("a?b*").repeated(501),
     };
     for (const QString& pattern : refused) {
         EXPECT_EQ(codeOf(pattern), 12) << qPrintable(pattern.left(60));
@@ -110,6 +111,20 @@ TEST(CSRegexTest, MatchesAndGroupsAreThoseOfTheUtf8Text)
     EXPECT_FALSE(matchedByPattern(u("É"), u("é")));
     EXPECT_TRUE(matchedByPattern(u("日本語"), u("^...$")));
     EXPECT_TRUE(matchedByPattern(u("abc"), u("b"), CSRegex::NoSubexpressions));
+}
+
+TEST(CSRegexTest, AMatchThatTookLongChangesNoLaterAnswer)
+{
+    // Each window of thirteen letters is another state of this pattern.
+    CSRegex regex(u("(a|b)*(a)((a|b){12})(x)?$"), CSRegex::IgnoreCase);
+    QString text;
+    for (int i = 0; i < 1500; ++i)
+        text += QLatin1Char("aabB"[i * i % 31 % 4]);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_FALSE(regex.matchesString(text + u("-")));
+        EXPECT_EQ(regex.capturedSubstringsOfString(u("bAbbbbAAbbbbab")),
+                  (QStringList{u("bAbbbbAAbbbbab"), u("b"), u("A"), u("bbbbAAbbbbab"), u("b"), CSRegex::null()}));
+    }
 }
 
 TEST(CSRegexTest, AStartAnchorHoldsOnlyAtTheStartOfTheBuffer)

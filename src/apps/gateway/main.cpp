@@ -4,6 +4,7 @@
 #include "gateway/ServicesFile.h"
 #include "platform/StopSignals.h"
 #include "platform/Terminal.h"
+#include "platform/desktop/QuitListener.h"
 
 #include <QByteArray>
 #include <QCoreApplication>
@@ -69,6 +70,8 @@ int serve(const GatewayOptions& options, StopSignals& signals)
     std::printf("listening on %s, %lld documents\n", server.base().constData(),
                 static_cast<long long>(source->documentCount()));
     std::fflush(stdout);
+    // An update of the product replaces this program, too.
+    const QuitListener listener([&] { signals.request(); });
     signals.wait();
     return 0;
 }

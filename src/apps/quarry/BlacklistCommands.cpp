@@ -1,131 +1,17 @@
-#include "apps/quarry/CommandLine.h"
+#include "apps/quarry/BlacklistRules.h"
 #include "apps/quarry/ExpressionFault.h"
 #include "apps/quarry/Output.h"
-#include "blacklist/BlacklistStore.h"
-
-#include <QJsonArray>
 
 namespace quarry {
 
 namespace {
-
-constexpr qsizetype LongestAddress = 100;
 
 struct Options {
     QStringList rules;
     std::optional<QString> type;
     bool caseSensitive = false;
     bool disabled = false;
-    QString address;
-    bool json = false;
 };
-
-struct TypeName {
-    qint64 type;
-    const char* name;
-};
-constexpr TypeName TypeNames[] = {{BlacklistType::Text, "text"},
-                                  {BlacklistType::Domain, "domain"},
-                                  {BlacklistType::FileType, "file"},
-                                  {BlacklistType::RegularExpression, "regex"}};
-
-QStringList typeNames()
-{
-    QStringList names;
-    for (const TypeName& each : TypeNames)
-        names.append(QLatin1String(each.name));
-    return names;
-}
-
-QString nameOfType(qint64 type)
-{
-    for (const TypeName& each : TypeNames) {
-        if (each.type == type)
-            return QLatin1String(each.name);
-    }
-    return QString::number(type);
-}
-
-qint64 typeNamed(const QString& name)
-{
-    for (const TypeName& each : TypeNames) {
-        if (name == QLatin1String(each.name))
-            return each.type;
-    }
-    return 0;
-}
-
-/// `domain rule "ads.example"`
-QString described(const BlacklistRule& rule)
-{
-    return QStringLiteral("%1 rule \"%2\"").arg(nameOfType(rule.type), shown(rule.rule.value_or(QString())));
-}
-
-QJsonObject jsonOfRule(const BlacklistRule& rule, qsizetype number)
-{
-    return {{QStringLiteral("number"), qint64(number)},
-            {QStringLiteral("type"), nameOfType(rule.type)},
-            {QStringLiteral("rule"), rule.rule.value_or(QString())},
-            {QStringLiteral("enabled"), rule.state},
-            {QStringLiteral("caseSensitive"), rule.caseSensitive}};
-}
-
-/// The list as it is in the file; empty when there is none yet.
-struct LoadedRules {
-    BlacklistManager manager;
-    Outcome fault;
-};
-
-LoadedRules load(Session& session)
-{
-    if (Outcome home = session.checkHome(); !home.ok())
-        return {{}, home};
-    QString fault;
-    LoadedRules loaded;
-    loaded.manager = BlacklistManager::initWithDatabase(session.files(), session.home().blacklistFile(), &fault);
-    if (!fault.isEmpty())
-        loaded.fault = Outcome::failed(fault + QStringLiteral("\nNothing was changed. Put a backup in its place, or "
-                                                              "move the file away to begin with an empty list."));
-    return loaded;
-}
-
-/// Applies one change to the list that is in the file by then.
-Outcome change(Session& session, const std::function<Outcome(BlacklistManager&)>& apply)
-{
-    // A file that makes no sense is the user's to judge; here nothing replaces it.
-    if (const LoadedRules loaded = load(session); !loaded.fault.ok())
-        return loaded.fault;
-    Outcome outcome;
-    const QString error = BlacklistStore(session.home(), session.files()).change([&](BlacklistManager& list) {
-        outcome = apply(list);
-        return outcome.ok();
-    });
-    return error.isEmpty() ? outcome : Outcome::failed(error);
-}
-
-Outcome list(Session& session, const Options& options)
-{
-    const LoadedRules loaded = load(session);
-    if (!loaded.fault.ok())
-        return loaded.fault;
-    QJsonArray array;
-    QStringList lines;
-    for (const BlacklistRule& rule : loaded.manager.rules()) {
-        const qsizetype number = array.size() + 1;
-        array.append(jsonOfRule(rule, number));
-        QString line = QStringLiteral("%1  %2 %3 %4")
-                           .arg(number, 4)
-                           .arg(nameOfType(rule.type), -6)
-                           .arg(rule.state ? QStringLiteral("on") : QStringLiteral("off"), -3)
-                           .arg(shown(rule.rule.value_or(QString())));
-        if (rule.caseSensitive)
-            line += faint(QStringLiteral("  (with case)"));
-        lines.append(line);
-    }
-    if (options.json)
-        return Outcome::done(jsonText({{QStringLiteral("rules"), array}}));
-    return Outcome::done(lines.isEmpty() ? QStringLiteral("The blacklist is empty") : lines.join(u'\n'));
-}
 
 /// What would make the rule useless.
 Outcome faultOfRule(const QString& rule, qint64 type)
@@ -143,12 +29,12 @@ Outcome faultOfRule(const QString& rule, qint64 type)
 
 Outcome add(Session& session, const Options& options)
 {
-    const qint64 type = typeNamed(options.type.value_or(QStringLiteral("text")));
+    const qint64 type = ruleTypeNamed(options.type.value_or(QStringLiteral("text")));
     for (const QString& rule : options.rules) {
         if (Outcome fault = faultOfRule(rule, type); !fault.ok())
             return fault;
     }
-    return change(session, [&](BlacklistManager& manager) {
+    return changeRules(session, [&](BlacklistManager& manager) {
         QStringList lines;
         for (const QString& text : options.rules) {
             const BlacklistRule rule{text, type, !options.disabled, options.caseSensitive};
@@ -183,7 +69,7 @@ using Apply = std::function<void(BlacklistManager&, const BlacklistFilterPtr&)>;
 /// Does something to each rule named, in one edit; nothing when a name fits none.
 Outcome applyTo(Session& session, const Options& options, const QString& verb, const Apply& apply)
 {
-    return change(session, [&](BlacklistManager& manager) {
+    return changeRules(session, [&](BlacklistManager& manager) {
         QList<BlacklistFilterPtr> all;
         for (const QString& name : options.rules) {
             const QList<BlacklistFilterPtr> found = rulesNamed(manager, name);
@@ -203,34 +89,6 @@ Outcome applyTo(Session& session, const Options& options, const QString& verb, c
     });
 }
 
-/// A test of one address says on the spot what is wrong with the rules.
-class Complaints final : public Logger {
-public:
-    void logString(const QString& text) override { writeError(QStringLiteral("quarry: %1\n").arg(shown(text))); }
-};
-
-Outcome test(Session& session, const Options& options)
-{
-    const LoadedRules loaded = load(session);
-    if (!loaded.fault.ok())
-        return loaded.fault;
-    const QList<BlacklistRule> rules = loaded.manager.rules();
-    Complaints complaints;
-    const std::optional<qsizetype> caught =
-        BlacklistMatcher(rules, BlacklistMatcher::Which::Active).ruleCatching(options.address, complaints);
-    if (options.json) {
-        const QJsonValue rule = caught ? QJsonValue(jsonOfRule(rules[*caught], *caught + 1)) : QJsonValue();
-        return Outcome::done(jsonText({{QStringLiteral("url"), options.address},
-                                       {QStringLiteral("caught"), caught.has_value()},
-                                       {QStringLiteral("rule"), rule}}));
-    }
-    const QString address = shownWithin(options.address, LongestAddress);
-    if (!caught)
-        return Outcome::done(QStringLiteral("No rule catches ") + address);
-    return Outcome::done(
-        QStringLiteral("%1 is caught by %2 (%3)").arg(address, described(rules[*caught])).arg(*caught + 1));
-}
-
 void addAddCommand(Command& blacklist, const std::shared_ptr<Options>& options)
 {
     blacklist
@@ -240,7 +98,7 @@ void addAddCommand(Command& blacklist, const std::shared_ptr<Options>& options)
                   QStringLiteral("quarry blacklist add --type file exe msi"),
                   QStringLiteral("quarry blacklist add --type regex '[?&]utm_[a-z]+='")})
         .arguments(QStringLiteral("rules"), options->rules, QStringLiteral("What to look for"))
-        .choice(QStringLiteral("--type"), options->type, typeNames(),
+        .choice(QStringLiteral("--type"), options->type, ruleTypeNames(),
                 QStringLiteral("What the rules are: a text (also without this), a host with everything below and "
                                "above it, a file extension, a POSIX extended expression"))
         .flag(QStringLiteral("--case"), options->caseSensitive, QStringLiteral("Case counts"))
@@ -279,11 +137,7 @@ void addBlacklistCommands(CommandLine& line)
                                      {QStringLiteral("quarry blacklist list"),
                                       QStringLiteral("quarry blacklist add --type domain ads.example"),
                                       QStringLiteral("quarry blacklist test http://www.ads.example/page")});
-    blacklist
-        .command(QStringLiteral("list"), QStringLiteral("List the rules in the order in which they are tried"),
-                 {QStringLiteral("quarry blacklist list"), QStringLiteral("quarry blacklist list --json")})
-        .flag(QStringLiteral("--json"), options->json, QStringLiteral("For programs"))
-        .action([options](Session& session) { return list(session, *options); });
+    addBlacklistLooking(blacklist);
     addAddCommand(blacklist, options);
     const auto switchTo = [](bool state) {
         return [state](BlacklistManager& list, const BlacklistFilterPtr& filter) { list.setState(state, filter); };
@@ -294,12 +148,6 @@ void addBlacklistCommands(CommandLine& line)
     addEditCommand(blacklist, options, {"remove", "Remove rules", "Removed ", removeRule});
     addEditCommand(blacklist, options, {"enable", "Put rules in force", "Enabled ", switchTo(true)});
     addEditCommand(blacklist, options, {"disable", "Keep rules, but not in force", "Disabled ", switchTo(false)});
-    blacklist
-        .command(QStringLiteral("test"), QStringLiteral("Say which rule catches an address"),
-                 {QStringLiteral("quarry blacklist test http://www.ads.example/page")})
-        .argument(QStringLiteral("url"), options->address, QStringLiteral("The address"))
-        .flag(QStringLiteral("--json"), options->json, QStringLiteral("For programs"))
-        .action([options](Session& session) { return test(session, *options); });
 }
 
 } // namespace quarry

@@ -70,11 +70,18 @@ private:
 void addListCommands(CommandLine& line);
 void addTreeCommands(CommandLine& line);
 void addMakingCommands(CommandLine& line);
+void addCombineCommand(CommandLine& line);
 void addResultCommands(CommandLine& line);
 void addItemCommands(CommandLine& line);
+void addOfflineCommands(CommandLine& line);
 void addRefreshCommand(CommandLine& line);
 void addSettingsCommands(CommandLine& line);
+void addScheduleCommand(CommandLine& line);
+void addAgentCommands(CommandLine& line);
+void addUpdateCommand(CommandLine& line);
 void addServicesCommand(CommandLine& line);
+void addExportCommand(CommandLine& line);
+void addImportCommand(CommandLine& line);
 void addBlacklistCommands(CommandLine& line);
 void addLogCommand(CommandLine& line);
 

@@ -1,66 +1,23 @@
 #include "apps/quarry/ExpressionFault.h"
 
 #include "apps/quarry/Output.h"
-#include "text/CSRegex.h"
+#include "text/RegexFault.h"
 
 namespace quarry {
 
-namespace {
-
-/// The place is looked for by trying beginnings; beyond this length nobody reads where the pointer stands.
-constexpr qsizetype LongestToPoint = 200;
-
-/// The number of the error; 0 when it compiles.
-int errorOf(const QString& pattern)
-{
-    try {
-        const CSRegex compiles(pattern);
-    } catch (const CSRegexException& fault) {
-        return fault.code();
-    }
-    return 0;
-}
-
-/// Something was opened and never closed, or closed and never opened: then the longest beginning that compiles ends
-/// before it.
-bool isUnbalanced(int error)
-{
-    return error == int(RegexError::UnbalancedBracket) || error == int(RegexError::UnbalancedParenthesis) ||
-           error == int(RegexError::UnbalancedBrace) || error == int(RegexError::BadPattern) ||
-           error == int(RegexError::BadEscape);
-}
-
-/// The place of the character at fault. The C library does not tell it.
-qsizetype placeOfFault(const QString& pattern, int error)
-{
-    qsizetype place = 0;
-    for (qsizetype length = 1; length <= pattern.size(); ++length) {
-        const int here = errorOf(pattern.left(length));
-        if (isUnbalanced(error) && here == 0)
-            place = length;
-        else if (!isUnbalanced(error) && here == error)
-            return length - 1;
-    }
-    return place;
-}
-
-} // namespace
-
 std::optional<QString> expressionFault(const QString& pattern)
 {
-    try {
-        const CSRegex compiles(pattern);
+    const std::optional<RegexFault> fault = regexFault(pattern);
+    if (!fault)
         return std::nullopt;
-    } catch (const CSRegexException& fault) {
-        QString text = QStringLiteral("the expression is not valid");
-        if (!fault.reason().isEmpty())
-            text += QStringLiteral(": ") + fault.reason();
-        if (pattern.size() > LongestToPoint)
-            return text;
-        const QString upToFault = shown(pattern.left(placeOfFault(pattern, fault.code())) + u'x');
-        return text + QStringLiteral("\n  ") + shown(pattern) + QStringLiteral("\n  ") +
-               QString(upToFault.size() - 1, u' ') + u'^';
-    }
+    QString text = QStringLiteral("the expression is not valid");
+    if (!fault->reason.isEmpty())
+        text += QStringLiteral(": ") + fault->reason;
+    if (fault->place < 0)
+        return text;
+    const QString upToFault = shown(pattern.left(fault->place) + u'x');
+    return text + QStringLiteral("\n  ") + shown(pattern) + QStringLiteral("\n  ") +
+           QString(upToFault.size() - 1, u' ') + u'^';
 }
 
 } // namespace quarry

@@ -1,6 +1,9 @@
 #include "apps/quarry/Naming.h"
 
 #include "apps/quarry/Output.h"
+#include "exchange/Names.h"
+
+#include <functional>
 
 namespace quarry {
 
@@ -97,23 +100,6 @@ NamedRecords recordNamed(const ResultList& listed, const QString& name)
 
 } // namespace
 
-void walk(const QueryCorePtr& node, const std::function<void(const QueryCorePtr&, int)>& visit, int depth)
-{
-    visit(node, depth);
-    for (const QueryCorePtr& child : node->childs().value_or(QList<QueryCorePtr>()))
-        walk(child, visit, depth + 1);
-}
-
-QList<QueryCorePtr> queriesBelow(const QueryCorePtr& node)
-{
-    QList<QueryCorePtr> queries;
-    walk(node, [&](const QueryCorePtr& each, int) {
-        if (each->isLeaf())
-            queries.append(each);
-    });
-    return queries;
-}
-
 QString shownTitle(const QueryCore& node)
 {
     const QString title = shown(node.title());
@@ -128,6 +114,19 @@ NamedNode nodeNamed(const QueryCorePtr& root, const QString& name)
 NamedNode folderNamed(const QueryCorePtr& root, const QString& name)
 {
     return find(root, name, QStringLiteral("folder"), [](const QueryCorePtr& node) { return node->isQueryFolder(); });
+}
+
+NamedNode targetFolder(const QueryCorePtr& root, const std::optional<QString>& name)
+{
+    return name ? folderNamed(root, *name) : NamedNode{root, {}};
+}
+
+QString described(const QueryCore& node)
+{
+    const QString what = node.isQueryFolder()              ? QStringLiteral("folder")
+                         : node.kind() == QueryKind::Plain ? QStringLiteral("query")
+                                                           : kindName(node.kind()) + QStringLiteral(" query");
+    return QStringLiteral("%1 \"%2\" (%3)").arg(what, shownTitle(node), shortId(node.UUID()));
 }
 
 NamedNodes nodesNamed(const QueryCorePtr& root, const QStringList& names)

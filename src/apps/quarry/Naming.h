@@ -1,12 +1,10 @@
 #pragma once
 
 #include "apps/quarry/Outcome.h"
-#include "model/QueryCore.h"
+#include "exchange/TreeWalk.h"
 
 #include <QList>
 #include <QString>
-
-#include <functional>
 
 namespace quarry {
 
@@ -23,6 +21,8 @@ struct NamedNode {
 [[nodiscard]] NamedNode nodeNamed(const QueryCorePtr& root, const QString& name);
 /// The same for folders.
 [[nodiscard]] NamedNode folderNamed(const QueryCorePtr& root, const QString& name);
+/// The folder to put a new node into: the root when none was named.
+[[nodiscard]] NamedNode targetFolder(const QueryCorePtr& root, const std::optional<QString>& name);
 
 /// All of them, in the order named, each once; or the first fault.
 struct NamedNodes {
@@ -32,14 +32,11 @@ struct NamedNodes {
 };
 [[nodiscard]] NamedNodes nodesNamed(const QueryCorePtr& root, const QStringList& names);
 
-/// The node and everything below it, folders before their children.
-void walk(const QueryCorePtr& node, const std::function<void(const QueryCorePtr& node, int depth)>& visit,
-          int depth = 0);
-/// The queries below a folder, in order; a query itself.
-[[nodiscard]] QList<QueryCorePtr> queriesBelow(const QueryCorePtr& node);
-
 /// A title for a person: what the node is called, or a stand-in where it has no name.
 [[nodiscard]] QString shownTitle(const QueryCore& node);
+
+/// "advanced query \"raised bed\" (3F2A91C0)": what was made or changed.
+[[nodiscard]] QString described(const QueryCore& node);
 
 /// The records that a person means, out of those listed: by number (1 is the first), by "link uuid key" or the
 /// beginning of it (4 characters or more; a number that is in the list comes first), or by address.

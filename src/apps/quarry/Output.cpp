@@ -1,9 +1,9 @@
 #include "apps/quarry/Output.h"
 
 #include "platform/Terminal.h"
+#include "text/Controls.h"
 
 #include <QDateTime>
-#include <QJsonDocument>
 
 #include <cstdio>
 
@@ -12,19 +12,6 @@ namespace quarry {
 namespace {
 
 constexpr qsizetype ShortIdLength = 8;
-
-/// C0, DEL and C1.
-bool isControl(QChar c)
-{
-    return c < QChar(0x20) || (c >= QChar(0x7f) && c <= QChar(0x9f));
-}
-
-/// Marks that turn the direction of what follows, and the separators that break lines.
-bool isLayoutMark(QChar c)
-{
-    return (c >= QChar(0x2028) && c <= QChar(0x202e)) || (c >= QChar(0x2066) && c <= QChar(0x2069)) ||
-           c == QChar(0x200e) || c == QChar(0x200f) || c == QChar(0x061c);
-}
 
 QString styled(const QString& text, const char* code)
 {
@@ -49,7 +36,7 @@ QString shown(const QString& text)
     for (const QChar c : text) {
         if (c == u'\n' || c == u'\r' || c == u'\t' || c == QChar(0x2028) || c == QChar(0x2029) || c == QChar(0x85))
             out += u' ';
-        else if (!isControl(c) && !isLayoutMark(c))
+        else if (!isControl(c.unicode()) && !isLayoutMark(c.unicode()))
             out += c;
     }
     return out.simplified();
@@ -96,27 +83,6 @@ QString strong(const QString& text)
 QString faint(const QString& text)
 {
     return styled(text, "2");
-}
-
-QJsonValue jsonTime(std::optional<Date> date)
-{
-    if (!date || *date == Date::reference())
-        return QJsonValue::Null;
-    return date->isoText();
-}
-
-QString jsonText(const QJsonObject& object)
-{
-    const QString plain = QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Indented));
-    QString out;
-    out.reserve(plain.size());
-    for (const QChar c : plain) {
-        if (c != u'\n' && (isControl(c) || isLayoutMark(c)))
-            out += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
-        else
-            out += c;
-    }
-    return out.trimmed();
 }
 
 void writeOut(const QString& text)

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "exchange/JsonText.h"
 #include "platform/Date.h"
 
-#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -27,11 +27,6 @@ namespace quarry {
 /// Emphasis on a terminal that can show it; the text itself anywhere else, and when NO_COLOR is set.
 [[nodiscard]] QString strong(const QString& text);
 [[nodiscard]] QString faint(const QString& text);
-
-/// ISO 8601 in UTC, or null.
-[[nodiscard]] QJsonValue jsonTime(std::optional<Date> date);
-/// Indented, with everything escaped that `shown` would leave out.
-[[nodiscard]] QString jsonText(const QJsonObject& object);
 
 /// Bytes to the standard streams, as UTF-8.
 void writeOut(const QString& text);

@@ -65,8 +65,7 @@ Outcome refresh(Session& session, const Options& options)
     if (updater.isEmpty())
         return Outcome::failed(QStringLiteral("QuarrySpotterUpdater is not in the bundle of this program"));
 
-    RefreshReport report(options.quiet || options.json ? RefreshReport::Progress::None
-                                                       : RefreshReport::Progress::Lines);
+    RefreshReport report(options.quiet || options.json ? StatusLine::Voice::Silent : StatusLine::Voice::Lines);
     const ChildEnd end = runProgram(updater, arguments, [&](const QByteArray& line) { report.take(line); });
     report.finish();
     Outcome outcome = outcomeOf(end);

@@ -1,17 +1,12 @@
 #include "apps/quarry/RefreshReport.h"
 
 #include "apps/quarry/Output.h"
-#include "platform/Terminal.h"
 
 #include <QJsonDocument>
-
-#include <cstdio>
 
 namespace quarry {
 
 namespace {
-
-constexpr qsizetype LongestStatus = 76;
 
 QString textIn(const QJsonObject& object, const char* key)
 {
@@ -52,10 +47,7 @@ QString outcomeText(const QJsonObject& event)
 
 } // namespace
 
-RefreshReport::RefreshReport(Progress progress)
-    : _showsLines(progress == Progress::Lines), _showsStatus(_showsLines && isTerminal(stdout))
-{
-}
+RefreshReport::RefreshReport(StatusLine::Voice voice) : _status(voice) {}
 
 void RefreshReport::take(const QByteArray& line)
 {
@@ -63,9 +55,9 @@ void RefreshReport::take(const QByteArray& line)
     const QString what = textIn(event, "event");
     if (what == QLatin1String("refresh-started")) {
         _expected = numberIn(event, "queries");
-        showStatus(QStringLiteral("%1 to refresh").arg(counted(_expected, QStringLiteral("query"))));
+        _status.show(QStringLiteral("%1 to refresh").arg(counted(_expected, QStringLiteral("query"))));
     } else if (what == QLatin1String("service-asked")) {
-        showStatus(QStringLiteral("asking %1 for %2").arg(textIn(event, "service"), textIn(event, "title")));
+        _status.show(QStringLiteral("asking %1 for %2").arg(textIn(event, "service"), textIn(event, "title")));
     } else if (what == QLatin1String("service-answered")) {
         takeAnswer(event);
     } else if (what == QLatin1String("query-finished")) {
@@ -100,15 +92,15 @@ void RefreshReport::takeEndOfQuery(const QJsonObject& event)
         {QStringLiteral("blacklisted"), event.value(QLatin1String("blacklisted"))},
         {QStringLiteral("error"), textIn(event, "error")},
     });
-    showLine(QStringLiteral("[%1/%2] %3: %4")
-                 .arg(_queries.size())
-                 .arg(std::max(_expected, qint64(_queries.size())))
-                 .arg(shown(textIn(event, "title")), outcomeText(event)));
+    _status.say(QStringLiteral("[%1/%2] %3: %4")
+                    .arg(_queries.size())
+                    .arg(std::max(_expected, qint64(_queries.size())))
+                    .arg(shown(textIn(event, "title")), outcomeText(event)));
 }
 
 void RefreshReport::finish()
 {
-    clearStatus();
+    _status.clear();
 }
 
 QString RefreshReport::summary() const
@@ -124,6 +116,8 @@ QString RefreshReport::summary() const
         text += QStringLiteral("; %1 failed").arg(failed);
     if (const qint64 stopped = numberIn(_end, "stopped"); stopped > 0)
         text += QStringLiteral("; %1 stopped").arg(stopped);
+    if (const QString services = shown(textIn(_end, "servicesText")); !services.isEmpty())
+        text += u'\n' + services;
     return text;
 }
 
@@ -144,36 +138,11 @@ QStringList RefreshReport::faults() const
 QJsonObject RefreshReport::json() const
 {
     QJsonObject object = {{QStringLiteral("queries"), _queries},
+                          {QStringLiteral("services"), _end.value(QLatin1String("services")).toArray()},
                           {QStringLiteral("faults"), QJsonArray::fromStringList(faults())}};
     for (const char* key : {"status", "updated", "recent", "failed", "stopped", "added", "excluded", "blacklisted"})
         object.insert(QLatin1String(key), numberIn(_end, key));
     return object;
-}
-
-void RefreshReport::showLine(const QString& line)
-{
-    if (!_showsLines)
-        return;
-    clearStatus();
-    writeOut(line + u'\n');
-    std::fflush(stdout);
-}
-
-void RefreshReport::showStatus(const QString& status)
-{
-    if (!_showsStatus)
-        return;
-    clearStatus();
-    writeOut(faint(shownWithin(status, LongestStatus)));
-    std::fflush(stdout);
-    _hasStatus = true;
-}
-
-void RefreshReport::clearStatus()
-{
-    if (_hasStatus)
-        writeOut(QStringLiteral("\r\x1b[K"));
-    _hasStatus = false;
 }
 
 } // namespace quarry

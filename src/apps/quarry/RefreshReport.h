@@ -1,5 +1,7 @@
 #pragma once
 
+#include "apps/quarry/StatusLine.h"
+
 #include <QByteArray>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -13,8 +15,7 @@ namespace quarry {
 /// each ends, on a terminal also what is being asked right now. Events that are not known are left alone.
 class RefreshReport final {
 public:
-    enum class Progress { None, Lines };
-    explicit RefreshReport(Progress progress);
+    explicit RefreshReport(StatusLine::Voice voice);
 
     void take(const QByteArray& line);
     /// No more lines will come.
@@ -22,7 +23,7 @@ public:
 
     /// The updater told how the refresh ended.
     [[nodiscard]] bool hasSummary() const { return !_end.isEmpty(); }
-    /// "3 queries updated: 57 added, 2 excluded, 0 blacklisted"
+    /// "3 queries updated: 57 added, 2 excluded, 0 blacklisted", and a line about how the services did that were asked.
     [[nodiscard]] QString summary() const;
     /// What went wrong, a line each.
     [[nodiscard]] QStringList faults() const;
@@ -32,18 +33,13 @@ public:
 private:
     void takeAnswer(const QJsonObject& event);
     void takeEndOfQuery(const QJsonObject& event);
-    void showLine(const QString& line);
-    void showStatus(const QString& status);
-    void clearStatus();
 
     struct ServiceFault {
         qint64 count = 0;
         QString error;
     };
 
-    bool _showsLines;
-    bool _showsStatus;
-    bool _hasStatus = false;
+    StatusLine _status;
     qint64 _expected = 0;
     QJsonArray _queries;
     QJsonObject _end;

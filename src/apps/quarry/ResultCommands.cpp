@@ -1,7 +1,8 @@
 #include "apps/quarry/CommandLine.h"
-#include "apps/quarry/Json.h"
 #include "apps/quarry/Naming.h"
 #include "apps/quarry/Output.h"
+#include "exchange/JsonShapes.h"
+#include "exchange/Names.h"
 #include "model/ResultComparator.h"
 #include "model/ResultSearch.h"
 

@@ -1,8 +1,9 @@
 #include "apps/quarry/CommandLine.h"
 #include "apps/quarry/Output.h"
-#include "archive/PropertyListFile.h"
+#include "database/ServiceHealthFile.h"
 #include "engines/SearchServices.h"
-#include "text/Url.h"
+#include "engines/SearchServicesFile.h"
+#include "engines/ServiceHealthText.h"
 
 #include <QJsonArray>
 
@@ -25,35 +26,6 @@ QString key(const char* name)
     return QString::fromLatin1(name);
 }
 
-/// The port that an address names; none when it names none.
-std::optional<qint64> portOf(const Url& url)
-{
-    const QString& text = url.absoluteString();
-    const qsizetype host = url.host().data() - text.constData();
-    const qsizetype colon = host + url.host().size();
-    if (colon >= text.size() || text.at(colon) != u':')
-        return std::nullopt;
-    const qsizetype end = text.indexOf(u'/', colon);
-    bool ok = false;
-    const qint64 port = QStringView(text).mid(colon + 1, end < 0 ? -1 : end - colon - 1).toLongLong(&ok);
-    return ok ? std::optional(port) : std::nullopt;
-}
-
-/// What the file says about a service once it is reached at that address; none when it is no such address.
-std::optional<PlistValue::Dictionary> entryForAddress(const QString& text)
-{
-    const std::optional<Url> url =
-        Url::fromText(text.contains(QLatin1String("://")) ? text : QStringLiteral("http://") + text);
-    if (!url || url->host().isEmpty() || !(url->path().isEmpty() || url->path() == QLatin1String("/")) ||
-        !url->query().isEmpty())
-        return std::nullopt;
-    PlistValue::Dictionary entry = {{key("scheme"), url->scheme().toString().toLower()},
-                                    {key("host"), url->host().toString()}};
-    if (const std::optional<qint64> port = portOf(*url))
-        entry.insert(key("port"), *port);
-    return entry;
-}
-
 /// The service a person means; none when there is no such service.
 std::optional<SearchService> serviceNamed(const QString& name)
 {
@@ -72,9 +44,7 @@ void applyTo(PlistValue::Dictionary& entries, const QString& name, const Options
     }
     PlistValue::Dictionary entry = entries.value(name).dictionary().value_or(PlistValue::Dictionary());
     if (options.address) {
-        for (const char* part : {"scheme", "host", "port"})
-            entry.remove(key(part));
-        entry.insert(*entryForAddress(*options.address));
+        setServiceAddress(entry, *SearchServicesFile::entryForAddress(*options.address));
     } else if (options.on) {
         entry.remove(key("enabled"));
     } else {
@@ -91,24 +61,110 @@ Outcome change(Session& session, const Options& options, const QStringList& name
 {
     if (Outcome ready = session.prepareHome(); !ready.ok())
         return ready;
-    const PropertyListFile file(session.home().searchServicesFile(), session.home().writerLockFile(), session.files());
-    QString fault;
-    const QString error = file.change([&](PlistValue::Dictionary& entries) {
-        PlistValue::Dictionary changed = entries;
+    const SearchServicesFile file(session.home(), session.files());
+    const auto apply = [&](PlistValue::Dictionary& entries) {
         if (options.reset && names.size() == qsizetype(AllSearchServices.size()))
-            changed.clear();
+            entries.clear();
         for (const QString& name : names)
-            applyTo(changed, name, options);
-        fault = SearchServices::fromPropertyList(writeXmlPropertyList(changed)).error;
-        if (fault.isEmpty())
-            entries = changed;
-    });
-    if (!error.isEmpty())
-        return Outcome::failed(error);
-    if (!fault.isEmpty())
-        return Outcome::failed(fault + QStringLiteral("\nNothing was changed; quarry services --reset puts the public "
+            applyTo(entries, name, options);
+    };
+    bool isSenseless = false;
+    const QString error = file.change(apply, &isSenseless);
+    if (isSenseless)
+        return Outcome::failed(error + QStringLiteral("\nNothing was changed; quarry services --reset puts the public "
                                                       "services back."));
-    return Outcome::done();
+    return error.isEmpty() ? Outcome::done() : Outcome::failed(error);
+}
+
+/// What there is to say about one service.
+struct Row {
+    SearchService service;
+    bool enabled = false;
+    bool isPublic = false;
+    QString address;
+    std::optional<Date> asked; ///< The end of the latest run in which it was asked there.
+    ServiceHealth health;      ///< In that run.
+};
+
+QList<Row> rowsOf(const SearchServices& services, const QList<ServiceHealthFile::Run>& runs)
+{
+    QList<Row> rows;
+    for (const SearchService service : AllSearchServices) {
+        Row row{service,
+                services.isEnabled(service),
+                !services.endpoint(service).hostChanged,
+                services.origin(service),
+                std::nullopt,
+                {}};
+        if (const auto run = ServiceHealthFile::latestOf(runs, service, row.address)) {
+            row.asked = run->ended;
+            row.health = run->services.value(service);
+        }
+        rows.append(row);
+    }
+    return rows;
+}
+
+QJsonObject jsonOf(const Row& row)
+{
+    QJsonValue health;
+    if (row.asked) {
+        QJsonObject object = jsonOfHealth(row.health);
+        object.insert(key("ended"), jsonTime(row.asked));
+        health = object;
+    }
+    return {{key("name"), searchServiceName(row.service)},
+            {key("address"), row.address},
+            {key("enabled"), row.enabled},
+            {key("isPublic"), row.isPublic},
+            {key("health"), health}};
+}
+
+QJsonArray jsonOf(const QList<ServiceHealthFile::Run>& runs)
+{
+    QJsonArray array;
+    for (const ServiceHealthFile::Run& run : runs) {
+        QJsonObject services;
+        for (auto service = run.services.begin(); service != run.services.end(); ++service) {
+            QJsonObject health = jsonOfHealth(*service);
+            health.insert(key("address"), run.addresses.value(service.key()));
+            services.insert(searchServiceName(service.key()), health);
+        }
+        array.append(QJsonObject{
+            {key("ended"), jsonTime(run.ended)}, {key("stopped"), run.isStopped}, {key("services"), services}});
+    }
+    return array;
+}
+
+/// "2026-11-21 04:10  12 results  4 pages (1 cached)  results": empty for a service that was not asked.
+QString healthColumns(const Row& row)
+{
+    if (!row.asked)
+        return {};
+    QString pages = counted(row.health.pages(), QStringLiteral("page"));
+    if (row.health.cachedPages > 0)
+        pages += QStringLiteral(" (%1 cached)").arg(row.health.cachedPages);
+    return QStringLiteral("%1  %2  %3  %4")
+        .arg(shownTime(row.asked), counted(row.health.results, QStringLiteral("result")).rightJustified(11),
+             pages.leftJustified(20), shown(healthText(row.health)));
+}
+
+QString tableOf(const QList<Row>& rows)
+{
+    qsizetype width = 0;
+    for (const Row& row : rows)
+        width = std::max(width, shown(row.address).size());
+    QString text;
+    for (const Row& row : rows) {
+        QString line = QStringLiteral("%1 %2 %3  %4")
+                           .arg(searchServiceName(row.service), -8)
+                           .arg(row.enabled ? QStringLiteral("on") : QStringLiteral("off"), -4)
+                           .arg(shown(row.address).leftJustified(width), healthColumns(row));
+        while (line.endsWith(u' '))
+            line.chop(1);
+        text += line + u'\n';
+    }
+    return text.trimmed();
 }
 
 Outcome table(Session& session, const Options& options)
@@ -116,23 +172,18 @@ Outcome table(Session& session, const Options& options)
     const SearchServices::Loaded loaded = SearchServices::load(session.home().searchServicesFile());
     if (!loaded.error.isEmpty())
         writeError(QStringLiteral("quarry: %1; the public services serve\n").arg(shown(loaded.error)));
+    QString healthFault;
+    const QList<ServiceHealthFile::Run> runs = ServiceHealthFile(session.home(), session.files()).read(&healthFault);
+    if (!healthFault.isEmpty())
+        writeError(QStringLiteral("quarry: %1\n").arg(shown(healthFault)));
+    const QList<Row> rows = rowsOf(loaded.services, runs);
+    if (!options.json)
+        return Outcome::done(tableOf(rows));
     QJsonArray array;
-    QString text;
-    for (const SearchService service : AllSearchServices) {
-        const bool enabled = loaded.services.isEnabled(service);
-        const QString address = loaded.services.origin(service);
-        array.append(QJsonObject{{key("name"), searchServiceName(service)},
-                                 {key("address"), address},
-                                 {key("enabled"), enabled},
-                                 {key("isPublic"), !loaded.services.endpoint(service).hostChanged}});
-        text += QStringLiteral("%1 %2 %3\n")
-                    .arg(searchServiceName(service), -8)
-                    .arg(enabled ? QStringLiteral("on") : QStringLiteral("off"), -4)
-                    .arg(shown(address));
-    }
-    if (options.json)
-        return Outcome::done(jsonText({{key("services"), array}, {key("fault"), loaded.error}}));
-    return Outcome::done(text.trimmed());
+    for (const Row& row : rows)
+        array.append(jsonOf(row));
+    return Outcome::done(
+        jsonText({{key("services"), array}, {key("fault"), loaded.error}, {key("runs"), jsonOf(runs)}}));
 }
 
 /// The names of the services meant, as the file spells them; all without a name.
@@ -162,7 +213,7 @@ Outcome services(Session& session, const Options& options)
         return Outcome::wrongUse(QStringLiteral("--at, --on, --off and --reset exclude each other"));
     if (options.changes() == 0 && !options.names.isEmpty())
         return Outcome::wrongUse(QStringLiteral("what is to become of them? --at, --on, --off or --reset"));
-    if (options.address && !entryForAddress(*options.address))
+    if (options.address && !SearchServicesFile::entryForAddress(*options.address))
         return Outcome::wrongUse(QStringLiteral("\"%1\" is no address of a service: scheme, host and port, and nothing "
                                                 "after them")
                                      .arg(shown(*options.address)));

@@ -1,5 +1,4 @@
 #include "apps/quarry/CommandLine.h"
-#include "apps/quarry/Json.h"
 #include "apps/quarry/Naming.h"
 #include "apps/quarry/Output.h"
 

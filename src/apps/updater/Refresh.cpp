@@ -6,6 +6,7 @@
 #include "archive/StringTable.h"
 #include "database/Preferences.h"
 #include "database/Schedule.h"
+#include "database/ServiceHealthFile.h"
 #include "engines/BlacklistHooks.h"
 #include "engines/PageSteps.h"
 #include "engines/QueryUpdater.h"
@@ -20,6 +21,14 @@ namespace quarry {
 namespace {
 
 constexpr std::chrono::milliseconds PauseBetweenStarts(500);
+
+/// Of a refusal so much is read as tells whether it is a challenge.
+CurlPageLoader::Limits servicePageLimits()
+{
+    CurlPageLoader::Limits limits;
+    limits.errorBytes = std::size_t(64) << 10;
+    return limits;
+}
 
 } // namespace
 
@@ -44,7 +53,7 @@ struct Refresh::Work {
 
 Refresh::Refresh(UpdaterOptions options, RefreshProgress& progress)
     : _options(std::move(options)), _progress(progress), _home(_options.home),
-      _clock(static_cast<double>(_options.clockOffset)),
+      _clock(static_cast<double>(_options.clockOffset)), _loader(servicePageLimits()),
       _publicLoader({}, [](const QByteArray& ip) { return !isPrivateAddress(ip); })
 {
 }
@@ -59,7 +68,7 @@ void Refresh::stop()
 int Refresh::run()
 {
     const int status = refresh();
-    _progress.refreshFinished(status);
+    _progress.refreshFinished(status, _health.services());
     return status;
 }
 
@@ -97,7 +106,7 @@ int Refresh::refresh()
                                             _home.cachesFolder(),
                                             settings.resultsPerEngine};
     QueryUpdateParts parts = {work.addresses, fetching, _notifications, {}, settings.numberOfNewLinks, {}, {},
-                              &_progress};
+                              &_progress,     &_health};
     parts.steps.filterByUrl = filterByUrl;
     parts.steps.merge = blacklistHooks(work.blacklist, work.filters, work.log);
     parts.findQuery = [&work](const QString& uuid) { return work.database->queryForUUID(uuid); };
@@ -120,6 +129,15 @@ SearchServices Refresh::services()
     const SearchServices::Loaded loaded = SearchServices::load(_home.searchServicesFile());
     noteFault(loaded.error);
     return loaded.services;
+}
+
+void Refresh::keepHealth(const SearchServices& services)
+{
+    ServiceHealthFile::Run run{_clock.now(), _pauser.isStopped(), _health.services(), {}};
+    for (auto service = run.services.keyBegin(); service != run.services.keyEnd(); ++service)
+        run.addresses.insert(*service, services.origin(*service));
+    if (const QString error = ServiceHealthFile(_home, _files).add(run); !error.isEmpty())
+        _progress.message(QStringLiteral("how the services are doing could not be kept: ") + error);
 }
 
 /// The steps that read the pages behind results.
@@ -167,6 +185,7 @@ int Refresh::finish(Work& work)
     work.updater->waitUntilIdle();
     const bool isSaved = work.journal->finish();
     work.log.waitUntilWritten();
+    keepHealth(work.addresses.services());
     const bool isStopped = _pauser.isStopped();
     // Whatever came of it: without a new date the next refresh would be due at once, and the one after it.
     if (_options.queries.isEmpty() && !isStopped)

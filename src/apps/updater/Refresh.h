@@ -3,6 +3,7 @@
 #include "apps/updater/RefreshProgress.h"
 #include "apps/updater/UpdaterOptions.h"
 #include "engines/QueryUpdateParts.h"
+#include "engines/RunHealth.h"
 #include "engines/SearchServices.h"
 #include "platform/Clock.h"
 #include "platform/CurlPageLoader.h"
@@ -36,6 +37,7 @@ private:
     [[nodiscard]] int finish(Work& work);
     [[nodiscard]] int refuse(int status, const QString& reason);
     void noteFault(const QString& fault);
+    void keepHealth(const SearchServices& services);
 
     const UpdaterOptions _options;
     RefreshProgress& _progress;
@@ -46,6 +48,7 @@ private:
     CurlPageLoader _publicLoader; ///< Keeps away from private addresses.
     DiskFileStore _files;
     NotificationCenter _notifications;
+    RunHealth _health;
 };
 
 } // namespace quarry

@@ -1,5 +1,9 @@
 #include "apps/updater/RefreshProgress.h"
 
+#include "engines/ServiceHealthText.h"
+
+#include <QJsonArray>
+
 namespace quarry {
 
 namespace {
@@ -37,6 +41,17 @@ QJsonObject endOf(const UpdatedQuery& query, const QString& outcome, const Updat
     members[QStringLiteral("blacklisted")] = facts.blacklisted;
     members[QStringLiteral("error")] = facts.error;
     return members;
+}
+
+QJsonArray healthOf(const HealthByService& services)
+{
+    QJsonArray array;
+    for (auto service = services.begin(); service != services.end(); ++service) {
+        QJsonObject health = jsonOfHealth(*service);
+        health.insert(QStringLiteral("service"), searchServiceName(service.key()));
+        array.append(health);
+    }
+    return array;
 }
 
 } // namespace
@@ -80,7 +95,7 @@ void RefreshProgress::saveFailed(const QString& error)
     send(QStringLiteral("save-failed"), {{QStringLiteral("error"), error}});
 }
 
-void RefreshProgress::refreshFinished(int status)
+void RefreshProgress::refreshFinished(int status, const HealthByService& services)
 {
     const std::lock_guard lock(_mutex);
     send(QStringLiteral("refresh-finished"), {{QStringLiteral("status"), status},
@@ -90,7 +105,9 @@ void RefreshProgress::refreshFinished(int status)
                                               {QStringLiteral("stopped"), _stopped},
                                               {QStringLiteral("added"), _added},
                                               {QStringLiteral("excluded"), _excluded},
-                                              {QStringLiteral("blacklisted"), _blacklisted}});
+                                              {QStringLiteral("blacklisted"), _blacklisted},
+                                              {QStringLiteral("services"), healthOf(services)},
+                                              {QStringLiteral("servicesText"), healthSummary(services)}});
 }
 
 void RefreshProgress::updateStarted(const UpdatedQuery& query)
@@ -117,6 +134,8 @@ void RefreshProgress::serviceAnswered(const UpdatedQuery& query, SearchService s
     members[QStringLiteral("cached")] = facts.cachedPages;
     members[QStringLiteral("failed")] = facts.failedPages;
     members[QStringLiteral("error")] = facts.error;
+    if (facts.verdict)
+        members[QStringLiteral("verdict")] = verdictName(*facts.verdict);
     send(QStringLiteral("service-answered"), members);
 }
 

@@ -25,7 +25,7 @@ public:
     void saved();
     void saveFailed(const QString& error);
     /// The last word.
-    void refreshFinished(int status);
+    void refreshFinished(int status, const HealthByService& services);
 
     void updateStarted(const UpdatedQuery& query) override;
     void serviceAsked(const UpdatedQuery& query, SearchService service) override;

@@ -112,6 +112,8 @@ private:
                       .arg(numberIn(event, "failed"))
                       .arg(numberIn(event, "stopped"))
                       .arg(linksText(event)));
+        if (const QString services = textIn(event, "servicesText"); _showsQueries && !services.isEmpty())
+            print(services);
     }
 
     bool _showsQueries;

@@ -1,7 +1,9 @@
+#include "apps/RegexMessages.h"
 #include "apps/updater/Refresh.h"
 #include "apps/updater/RefreshSinks.h"
 #include "platform/StopSignals.h"
 #include "platform/Terminal.h"
+#include "platform/desktop/QuitListener.h"
 
 #include <QCoreApplication>
 
@@ -35,6 +37,7 @@ int main(int argc, char** argv)
 {
     StopSignals signals; // Before any thread.
     ignoreBrokenPipes();
+    localiseRegexMessages();
     const QCoreApplication application(argc, argv);
     int status = AllUpdated;
     const auto options = UpdaterOptions::fromCommandLine(argc, argv, &status);
@@ -43,6 +46,7 @@ int main(int argc, char** argv)
     RefreshProgress progress(options->progress ? eventLines() : eventText(isTerminal(stderr)));
     Refresh refresh(*options, progress);
     std::thread watcher([&] { watch(signals, refresh); });
+    const QuitListener listener([&] { signals.request(); });
     status = refresh.run();
     signals.cancel();
     watcher.join();

@@ -11,6 +11,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
+#include <memory>
 #include <new>
 #include <system_error>
 #include <utility>
@@ -118,7 +120,7 @@ public:
     Replacement(const QString& path, const QString& temporaryPrefix, unsigned mode)
         : _path(QFile::encodeName(path)), _shownPath(path), _folder(_path.left(_path.lastIndexOf('/') + 1)),
           _temporary(_folder + QFile::encodeName(temporaryPrefix) +
-                     QUuid::createUuid().toByteArray(QUuid::Id128).left(16)),
+                     QUuid::createUuid().toByteArray(QUuid::Id128).left(FileStore::TemporaryNameDigits)),
           _file(openRetrying(_temporary, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, mode_t(mode)))
     {
         // The mode is meant as it is, whatever the process's mask.
@@ -244,6 +246,20 @@ int readAll(int descriptor, std::int64_t size, QByteArray& bytes)
     return 0;
 }
 
+/// Makes the path of a symbolic link the one of the file that it leads to. Returns the fault, 0 for none.
+int followLink(QString& path)
+{
+    struct stat status {};
+    const QByteArray name = QFile::encodeName(path);
+    if (::lstat(name.constData(), &status) != 0 || !S_ISLNK(status.st_mode))
+        return 0;
+    const std::unique_ptr<char, decltype(&std::free)> target(::realpath(name.constData(), nullptr), &std::free);
+    if (!target)
+        return errno;
+    path = QFile::decodeName(target.get());
+    return 0;
+}
+
 /// Why an opened file cannot be read into memory; empty when it can.
 QString refusal(const struct stat& status)
 {
@@ -292,7 +308,10 @@ FileStore::ReadResult DiskFileStore::read(const QString& path) const
 FileStore::WriteResult DiskFileStore::replace(const QString& path, const QString& temporaryPrefix, unsigned mode,
                                               const Producer& producer)
 {
-    return Replacement(path, temporaryPrefix, mode).run(producer, true);
+    QString target = path;
+    if (const int fault = followLink(target); fault != 0)
+        return {QStringLiteral("cannot write %1: where the link leads: %2").arg(path, reasonOf(fault)), {}, false};
+    return Replacement(target, temporaryPrefix, mode).run(producer, true);
 }
 
 FileStore::WriteResult DiskFileStore::create(const QString& path, const QString& temporaryPrefix, unsigned mode,

@@ -60,6 +60,12 @@ void report(QString* error, const QString& text)
         *error = text;
 }
 
+QString faultText(const QString& path, int fault)
+{
+    return QStringLiteral("cannot lock %1: %2")
+        .arg(path, QString::fromStdString(std::generic_category().message(fault)));
+}
+
 } // namespace
 
 FileLock::FileLock(FileLock&& other) noexcept : _descriptor(std::exchange(other._descriptor, -1)) {}
@@ -80,10 +86,12 @@ FileLock::~FileLock()
         ::close(_descriptor);
 }
 
-std::optional<FileLock> FileLock::tryAcquire(const QString& path)
+std::optional<FileLock> FileLock::tryAcquire(const QString& path, QString* fault)
 {
-    int fault = 0;
-    const int descriptor = tryLock(QFile::encodeName(path), fault);
+    int code = 0;
+    const int descriptor = tryLock(QFile::encodeName(path), code);
+    if (code != 0)
+        report(fault, faultText(path, code));
     if (descriptor < 0)
         return std::nullopt;
     return FileLock(descriptor);
@@ -100,8 +108,7 @@ std::optional<FileLock> FileLock::acquire(const QString& path, std::chrono::mill
         if (descriptor >= 0)
             return FileLock(descriptor);
         if (fault != 0) {
-            report(error, QStringLiteral("cannot lock %1: %2")
-                              .arg(path, QString::fromStdString(std::generic_category().message(fault))));
+            report(error, faultText(path, fault));
             return std::nullopt;
         }
         if (Clock::now() >= deadline) {

@@ -44,11 +44,16 @@ bool StopSignals::waitForNext()
     return true;
 }
 
+void StopSignals::request()
+{
+    // To the process as a whole: every thread holds it back, and the one that waits takes it.
+    ::kill(::getpid(), SIGTERM);
+}
+
 void StopSignals::cancel()
 {
     _cancelled = true;
-    // To the process as a whole: every thread holds it back, and the one that waits takes it.
-    ::kill(::getpid(), SIGTERM);
+    request();
 }
 
 bool StopSignals::hasCome()

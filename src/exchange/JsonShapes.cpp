@@ -1,8 +1,8 @@
-#include "apps/quarry/Json.h"
+#include "exchange/JsonShapes.h"
 
-#include "apps/quarry/Naming.h"
-#include "apps/quarry/Output.h"
-#include "engines/SearchService.h"
+#include "exchange/JsonText.h"
+#include "exchange/Names.h"
+#include "exchange/TreeWalk.h"
 
 #include <QJsonArray>
 
@@ -38,49 +38,6 @@ QJsonObject jsonOfNodeAlone(const QueryCorePtr& node)
 }
 
 } // namespace
-
-QString kindName(QueryKind kind)
-{
-    switch (kind) {
-    case QueryKind::Plain:
-        return QStringLiteral("plain");
-    case QueryKind::Advanced:
-        return QStringLiteral("advanced");
-    case QueryKind::Combined:
-        return QStringLiteral("combined");
-    case QueryKind::Folder:
-        break;
-    }
-    return QStringLiteral("folder");
-}
-
-QString wordsModeName(qint64 wordsRestriction)
-{
-    static const QStringList names = {QStringLiteral("none"), QStringLiteral("all"), QStringLiteral("phrase"),
-                                      QStringLiteral("page")};
-    return wordsRestriction >= 0 && wordsRestriction < names.size() ? names.at(wordsRestriction)
-                                                                    : QString::number(wordsRestriction);
-}
-
-QString engineName(const QString& engineId)
-{
-    for (const SearchService service : AllSearchServices) {
-        if (!engineId.isEmpty() && searchServiceIdentifier(service) == engineId)
-            return searchServiceName(service);
-    }
-    return engineId;
-}
-
-NodeCounts countsOf(const QueryCorePtr& node)
-{
-    NodeCounts counts;
-    for (const QueryCorePtr& query : queriesBelow(node)) {
-        counts.unread += query->nbUnreadItem();
-        counts.results += query->nbItems();
-        counts.hidden += query->nbHiddenItems();
-    }
-    return counts;
-}
 
 QJsonObject jsonOfNode(const QueryCorePtr& node)
 {
@@ -121,6 +78,7 @@ QJsonObject jsonOfRecord(const ResultRecord& record, const QueryCorePtr& query, 
         {QStringLiteral("number"), number > 0 ? QJsonValue(qint64(number)) : QJsonValue(QJsonValue::Null)},
         {QStringLiteral("id"), orNull(record.linkUuid())},
         {QStringLiteral("query"), query->UUID()},
+        {QStringLiteral("queryTitle"), query->title()},
         {QStringLiteral("title"), record.title().value_or(QString())},
         {QStringLiteral("url"), record.urlText().value_or(QString())},
         {QStringLiteral("text"), record.textFromPage().value_or(QString())},

@@ -1,0 +1,31 @@
+# Where a build looks for its updates; ends up in the Info.plist of the bundles. Runs as a script of its own, too, so that
+# the suite can try what must not be configured.
+set(QUARRY_UPDATE_URL "" CACHE STRING "Address of the update script; without one the program never looks for updates")
+set(QUARRY_UPDATE_PUBLIC_KEY "" CACHE STRING "The maker's public key, as quarry-release prints it")
+option(QUARRY_UPDATE_ALLOW_UNSIGNED "Allow an update address without a key: whoever answers there is trusted" OFF)
+option(QUARRY_UPDATES_FROM_SYSTEM "The system's package manager updates this build: it never looks itself" OFF)
+
+set(QUARRY_UPDATE_ENTRIES "")
+if(QUARRY_UPDATE_URL)
+  if(NOT QUARRY_UPDATE_URL MATCHES "^(https://[^/]|http://(127\\.0\\.0\\.1|localhost|\\[::1\\])[:/])")
+    message(FATAL_ERROR "QUARRY_UPDATE_URL is not HTTPS: ${QUARRY_UPDATE_URL}")
+  endif()
+  if(NOT QUARRY_UPDATE_PUBLIC_KEY AND NOT QUARRY_UPDATE_ALLOW_UNSIGNED)
+    message(FATAL_ERROR "QUARRY_UPDATE_URL needs QUARRY_UPDATE_PUBLIC_KEY, so that only the maker's updates are installed. "
+      "quarry-release key makes one; QUARRY_UPDATE_ALLOW_UNSIGNED=ON does without.")
+  endif()
+  string(REPLACE "&" "&amp;" QUARRY_UPDATE_ADDRESS "${QUARRY_UPDATE_URL}")
+  string(REPLACE "<" "&lt;" QUARRY_UPDATE_ADDRESS "${QUARRY_UPDATE_ADDRESS}")
+  string(APPEND QUARRY_UPDATE_ENTRIES "\t<key>QSUpdateScriptURL</key>\n\t<string>${QUARRY_UPDATE_ADDRESS}</string>\n")
+endif()
+if(QUARRY_UPDATE_PUBLIC_KEY)
+  string(LENGTH "${QUARRY_UPDATE_PUBLIC_KEY}" QUARRY_UPDATE_KEY_LENGTH)
+  if(NOT QUARRY_UPDATE_PUBLIC_KEY MATCHES "^[A-Za-z0-9+/]+=$" OR NOT QUARRY_UPDATE_KEY_LENGTH EQUAL 44)
+    message(FATAL_ERROR "QUARRY_UPDATE_PUBLIC_KEY is no Ed25519 key in base64: ${QUARRY_UPDATE_PUBLIC_KEY}")
+  endif()
+  string(APPEND QUARRY_UPDATE_ENTRIES
+    "\t<key>QSUpdatePublicKey</key>\n\t<string>${QUARRY_UPDATE_PUBLIC_KEY}</string>\n")
+endif()
+if(QUARRY_UPDATES_FROM_SYSTEM)
+  string(APPEND QUARRY_UPDATE_ENTRIES "\t<key>QSUpdatesComeFromSystem</key>\n\t<true/>\n")
+endif()

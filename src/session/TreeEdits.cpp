@@ -1,0 +1,195 @@
+#include "session/TreeEdits.h"
+
+#include "model/TreeLock.h"
+
+#include <algorithm>
+
+namespace quarry::edits {
+
+namespace {
+
+QList<QueryCorePtr> childsOf(const QueryCorePtr& node)
+{
+    return node->childs().value_or(QList<QueryCorePtr>());
+}
+
+/// Puts a node in that place of the folder. The tree itself cannot insert at the very front: there the child that
+/// was first steps behind.
+void place(const QueryCorePtr& node, const QueryCorePtr& folder, qsizetype index)
+{
+    if (index > 0 || folder->numberOfChilds() == 0) {
+        folder->insertChild(node, index);
+        return;
+    }
+    const QueryCorePtr first = childsOf(folder).constFirst();
+    folder->insertChild(node, 1);
+    folder->removeChild(first);
+    folder->insertChild(first, 1);
+}
+
+/// The folder of this very tree that holds the node. A node asked for its parent may name one of another tree: nodes
+/// from a file find theirs by the key path, in the tree that is current by then.
+QueryCorePtr folderOf(const QueryCorePtr& root, const QueryCorePtr& node)
+{
+    const QList<QueryCorePtr> childs = childsOf(root);
+    if (childs.contains(node))
+        return root;
+    for (const QueryCorePtr& child : childs) {
+        if (const QueryCorePtr found = child->isQueryFolder() ? folderOf(child, node) : nullptr)
+            return found;
+    }
+    return nullptr;
+}
+
+/// The top folder may be another one in each tree, so it goes by no UUID.
+QueryCorePtr folderNamed(const QueryCorePtr& root, const QString& uuid)
+{
+    return uuid.isEmpty() ? root : root->findQueryForUUID(uuid);
+}
+
+void collect(const QueryCorePtr& node, QHash<QString, QueryCorePtr>& nodes)
+{
+    const QString uuid = node->UUID();
+    if (!nodes.contains(uuid)) // The first one, as findQueryForUUID has it.
+        nodes.insert(uuid, node);
+    const QList<QueryCorePtr> childs = childsOf(node);
+    for (const QueryCorePtr& child : childs)
+        collect(child, nodes);
+}
+
+/// Calls for each node that is there. Many are found in one walk over the tree instead of one walk each.
+void forEach(const QueryCorePtr& root, const QStringList& uuids, const std::function<void(QueryCore& node)>& call)
+{
+    constexpr qsizetype Few = 8;
+    QHash<QString, QueryCorePtr> nodes;
+    if (uuids.size() > Few)
+        collect(root, nodes);
+    for (const QString& uuid : uuids) {
+        if (const QueryCorePtr node = uuids.size() > Few ? nodes.value(uuid) : root->findQueryForUUID(uuid))
+            call(*node);
+    }
+}
+
+using Selected = std::function<void(QueryCore& query, const ResultKeys& keys)>;
+TreeEdit ofResults(const ResultSelection& results, const Selected& how)
+{
+    return {[results, how](const QueryCorePtr& root) {
+                forEach(root, results.keys(), [&](QueryCore& query) { how(query, *results.constFind(query.UUID())); });
+            },
+            results.keys(), false};
+}
+
+} // namespace
+
+TreeEdit setRead(bool read, const ResultSelection& results)
+{
+    return ofResults(results, [read](QueryCore& query, const ResultKeys& keys) { query.setRead(read, keys); });
+}
+
+TreeEdit setHidden(bool hidden, const ResultSelection& results)
+{
+    return ofResults(results, [hidden](QueryCore& query, const ResultKeys& keys) { query.setHidden(hidden, keys); });
+}
+
+TreeEdit setRating(qint64 rating, const ResultSelection& results)
+{
+    return ofResults(results, [rating](QueryCore& query, const ResultKeys& keys) { query.setRating(rating, keys); });
+}
+
+TreeEdit excludeHost(const QString& queryUuid, const QString& host)
+{
+    return change({queryUuid}, [host](QueryCore& query) {
+        query.excludeURLString(QLatin1String("http://") + host);
+        query.invalidateUnread();
+    });
+}
+
+TreeEdit includeHost(const QueryCorePtr& query, const QString& host)
+{
+    ResultList dropped;
+    const ResultList visible = query->snapshot().fields._currentResult.value_or(ResultList());
+    for (const ResultRecord& record : visible) {
+        const std::optional<Url> url = record.url();
+        if (url && url->host() == host)
+            dropped.append(record);
+    }
+    return change({query->UUID()}, [host, dropped](QueryCore& node) {
+        node.includeHost(host);
+        node.restoreResults(dropped, {});
+    });
+}
+
+TreeEdit insert(const QueryCorePtr& node, const QString& folderUuid, qsizetype index)
+{
+    return {[node, folderUuid, index, uuid = node->UUID()](const QueryCorePtr& root) {
+                const QueryCorePtr wanted = folderNamed(root, folderUuid);
+                // A folder that went meanwhile: better at the top than lost.
+                const QueryCorePtr folder = wanted && wanted->isQueryFolder() ? wanted : root;
+                if (!root->findQueryForUUID(uuid))
+                    place(node, folder, std::min(index, folder->numberOfChilds()));
+            },
+            {node->UUID()},
+            true};
+}
+
+TreeEdit remove(const QString& uuid)
+{
+    return {[uuid](const QueryCorePtr& root) {
+                const QueryCorePtr node = root->findQueryForUUID(uuid);
+                if (const QueryCorePtr folder = node ? folderOf(root, node) : nullptr)
+                    folder->removeChild(node);
+            },
+            {uuid},
+            true};
+}
+
+TreeEdit move(const QString& uuid, const QString& folderUuid, qsizetype index)
+{
+    return {[uuid, folderUuid, index](const QueryCorePtr& root) {
+                const QueryCorePtr node = root->findQueryForUUID(uuid);
+                const QueryCorePtr folder = folderNamed(root, folderUuid);
+                if (!node || !folder || node == root || !folder->isQueryFolder() || node->contains(folder))
+                    return;
+                const TreeLock whole;
+                if (const QueryCorePtr parent = folderOf(root, node))
+                    parent->removeChild(node);
+                place(node, folder, std::min(index, folder->numberOfChilds()));
+            },
+            {uuid},
+            true};
+}
+
+TreeEdit rename(const QString& uuid, const std::optional<QString>& title)
+{
+    return change({uuid}, [title](QueryCore& node) { node.setTitle(title); });
+}
+
+TreeEdit change(const QStringList& uuids, const std::function<void(QueryCore& node)>& how)
+{
+    return {[uuids, how](const QueryCorePtr& root) { forEach(root, uuids, how); }, uuids, false};
+}
+
+TreeEdit together(const QList<TreeEdit>& changes)
+{
+    TreeEdit all;
+    for (const TreeEdit& each : changes) {
+        all.queries += each.queries;
+        all.structure = all.structure || each.structure;
+    }
+    all.queries.removeDuplicates();
+    all.apply = [changes](const QueryCorePtr& root) {
+        for (const TreeEdit& each : changes)
+            each.apply(root);
+    };
+    return all;
+}
+
+Place placeOf(const QueryCorePtr& root, const QueryCorePtr& node)
+{
+    const QueryCorePtr folder = folderOf(root, node);
+    if (!folder)
+        return {};
+    return {folder == root ? QString() : folder->UUID(), childsOf(folder).indexOf(node)};
+}
+
+} // namespace quarry::edits

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "model/ResultKeys.h"
+#include "session/TreeEdit.h"
+
+#include <QHash>
+#include <QString>
+
+#include <optional>
+
+namespace quarry {
+
+/// Results of several queries, by the UUIDs of their queries.
+using ResultSelection = QHash<QString, ResultKeys>;
+
+/// The changes that a person makes, each as an edit. Undoing one is another edit: the opposite one, made before it from
+/// the tree as it was then.
+namespace edits {
+
+// --- Results ----------------------------------------------------------------------------------------------------
+[[nodiscard]] TreeEdit setRead(bool read, const ResultSelection& results);
+[[nodiscard]] TreeEdit setHidden(bool hidden, const ResultSelection& results);
+[[nodiscard]] TreeEdit setRating(qint64 rating, const ResultSelection& results);
+/// Drops the results of a host from a query, now and in later updates.
+[[nodiscard]] TreeEdit excludeHost(const QString& queryUuid, const QString& host);
+/// Lets a host in again, and puts these results back: what excludeHost would take out of the query as it is.
+[[nodiscard]] TreeEdit includeHost(const QueryCorePtr& query, const QString& host);
+
+// --- Nodes ------------------------------------------------------------------------------------------------------
+/// Puts a node that is in no tree into a folder (an empty UUID is the top), at that place (past the end: last). Also
+/// what undoes a removal: the node keeps its UUID, its children and its results.
+[[nodiscard]] TreeEdit insert(const QueryCorePtr& node, const QString& folderUuid, qsizetype index);
+/// Takes a node with everything below it out of the tree. Its page caches stay until they are swept.
+[[nodiscard]] TreeEdit remove(const QString& uuid);
+/// Ignored when the folder is the node itself or stands below it. `index` counts the folder's children without the
+/// node.
+[[nodiscard]] TreeEdit move(const QString& uuid, const QString& folderUuid, qsizetype index);
+[[nodiscard]] TreeEdit rename(const QString& uuid, const std::optional<QString>& title);
+/// Any other change of nodes, which must state what is to be, not what is to be flipped.
+[[nodiscard]] TreeEdit change(const QStringList& uuids, const std::function<void(QueryCore& node)>& how);
+
+/// Several changes as one, in that order.
+[[nodiscard]] TreeEdit together(const QList<TreeEdit>& changes);
+
+/// Where a node stands: what insert() and move() need to bring it back there.
+struct Place {
+    QString folderUuid; ///< Empty for the top folder.
+    qsizetype index = 0;
+};
+[[nodiscard]] Place placeOf(const QueryCorePtr& root, const QueryCorePtr& node);
+
+} // namespace edits
+
+} // namespace quarry

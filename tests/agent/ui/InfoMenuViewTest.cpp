@@ -1,0 +1,126 @@
+#include "agent/ui/InfoMenuView.h"
+
+#include "support/QtPrinting.h"
+#include "support/Screen.h"
+
+#include <QFontMetricsF>
+
+#include <gtest/gtest.h>
+
+using namespace quarry;
+
+namespace {
+
+const QColor Background(10, 200, 30);
+const QColor Plain(58, 87, 247);
+const QColor Lighter(137, 154, 250);
+const QColor Outline(47, 73, 236);
+
+InfoText::Line line(const QString& text, const QString& title)
+{
+    return {u'\n' + text + title, title.size()};
+}
+
+/// The view as painted in that size over a background of its own color.
+QImage painted(InfoMenuView& view, QSize size)
+{
+    view.resize(size);
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(Background);
+    view.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+    if (const QString folder = qEnvironmentVariable("QUARRY_SCREENSHOTS"); !folder.isEmpty())
+        image.save(folder + QStringLiteral("/info-view-%1.png").arg(size.width()));
+    return image;
+}
+
+/// The columns between the first and the last one that hold white, in rows of the text from 0.
+std::pair<int, int> whiteSpan(const QImage& image, const QFont& font, int row)
+{
+    const double height = QFontMetricsF(font).lineSpacing();
+    const QRect rows(0, int(4 + height * row), image.width(), int(height));
+    std::pair<int, int> span(image.width(), -1);
+    for (int x = 0; x < image.width(); ++x) {
+        if (pixelsLike(Qt::white, image, QRect(x, rows.top(), 1, rows.height()), 60) > 0)
+            span = {std::min(span.first, x), x};
+    }
+    return span;
+}
+
+TEST(InfoMenuView, TakesTheSizeOfItsTextAndKeepsItWithoutText)
+{
+    InfoMenuView view;
+    const QFontMetricsF metrics(view.font());
+    const QString heading = QStringLiteral("New Results and a heading that is the longest");
+    view.setText({heading,
+                  {line(QStringLiteral("3 new: "), QStringLiteral("tea")),
+                   line(QStringLiteral("1 new: "), QStringLiteral("a"))}});
+    const QSize expected(int(std::ceil(metrics.horizontalAdvance(heading))) + 4,
+                         int(std::ceil(metrics.lineSpacing() * 3)) + 8);
+    EXPECT_NEAR(view.sizeHint().width(), expected.width(), 1);
+    EXPECT_EQ(view.sizeHint().height(), expected.height());
+    EXPECT_EQ(view.size(), view.sizeHint());
+    EXPECT_EQ(view.widthForWholeText(), view.sizeHint().width() + 24);
+    EXPECT_EQ(view.accessibleName(), heading + QStringLiteral("\n3 new: tea\n1 new: a"));
+    const QSize before = view.size();
+    view.setText({});
+    EXPECT_EQ(view.size(), before);
+    view.setText({heading, {line(QString(), QStringLiteral("two\nrows"))}});
+    EXPECT_EQ(view.size().height(), expected.height()) << "a line end inside a title begins a row";
+}
+
+TEST(InfoMenuView, DrawsABubbleThatGetsLighterUpwards)
+{
+    InfoMenuView view;
+    view.setText({QStringLiteral("i"), {}});
+    const QImage image = painted(view, {300, 60});
+    // The bubble is inset by 4 and 2, its corners are round.
+    EXPECT_EQ(pixelsLike(Background, image, QRect(0, 0, 300, 1), 0), 300);
+    EXPECT_EQ(pixelsLike(Background, image, QRect(0, 0, 3, 60), 0), 3 * 60);
+    EXPECT_EQ(image.pixelColor(5, 3), Background);
+    EXPECT_EQ(image.pixelColor(294, 56), Background);
+    EXPECT_EQ(pixelsLike(Background, image, QRect(14, 3, 272, 54)), 0);
+    // Its fill runs from the plain color below to a lighter one above.
+    EXPECT_GT(pixelsLike(Plain, image, QRect(20, 54, 260, 2), 8), 500);
+    EXPECT_GT(pixelsLike(Lighter, image, QRect(20, 4, 100, 2), 8), 190);
+    EXPECT_LT(image.pixelColor(30, 40).red(), image.pixelColor(30, 20).red());
+    // The outline lies half inside and half outside of its edge.
+    const QColor edge = image.pixelColor(4, 10);
+    EXPECT_LT(edge.red(), 110);
+    EXPECT_NE(edge, Background);
+    EXPECT_NEAR(edge.blue(), (Outline.blue() + image.pixelColor(8, 10).blue()) / 2.0, 12);
+}
+
+TEST(InfoMenuView, CentersAndUnderlinesTheHeadingAndSlantsTitles)
+{
+    InfoMenuView view;
+    const QString bars = QStringLiteral("lllllllll");
+    view.setText({QStringLiteral("News"), {line(bars, QString()), line(QString(), bars)}});
+    const QImage image = painted(view, {400, view.sizeHint().height()});
+    const auto [left, right] = whiteSpan(image, view.font(), 0);
+    EXPECT_NEAR(left + right, 400, 6) << "in the middle";
+    const int underline = int(4 + QFontMetricsF(view.font()).ascent() + QFontMetricsF(view.font()).underlinePos());
+    EXPECT_GE(pixelsLike(Qt::white, image, QRect(left, underline - 1, right - left, 4), 60), right - left - 2);
+
+    const auto upright = whiteSpan(image, view.font(), 1);
+    const auto slanted = whiteSpan(image, view.font(), 2);
+    EXPECT_NEAR(upright.first, 14, 3);
+    const double lean = 0.15 * QFontMetricsF(view.font()).boundingRect(bars).height();
+    EXPECT_NEAR((slanted.second - slanted.first) - (upright.second - upright.first), lean, 1.6);
+}
+
+TEST(InfoMenuView, CutsAtTheTailWhatDoesNotFit)
+{
+    InfoMenuView view;
+    const QString title(200, u'W');
+    view.setText({QStringLiteral("News"), {line(QStringLiteral("3 new: "), title), line(title, title)}});
+    const QImage image = painted(view, {200, view.sizeHint().height()});
+    for (const int row : {1, 2}) {
+        const auto [left, right] = whiteSpan(image, view.font(), row);
+        EXPECT_LE(right, 200 - 14 + 1);
+        EXPECT_GT(right, 150) << "the space is used";
+    }
+    view.setText({QStringLiteral("News"), {line(QStringLiteral("3 new: "), QStringLiteral("tea"))}});
+    EXPECT_FALSE(painted(view, {1, 1}).isNull());
+}
+
+} // namespace

@@ -1,0 +1,106 @@
+#include "TrayRig.h"
+#include "support/QtPrinting.h"
+
+#include <QPalette>
+
+#include <gtest/gtest.h>
+
+using namespace quarry;
+
+namespace {
+
+/// The iris of the open eye, seen in the bar at the top of the screen.
+const QColor Iris(255, 157, 0);
+const QRect Bar(0, 0, 1280, 64);
+
+bool showsOpenEye()
+{
+    return pixelsLike(Iris, screenshot(), Bar) > 10;
+}
+
+DesktopProgram trayOf(const QString& color)
+{
+    return {QStringLiteral("trayer"),
+            {QStringLiteral("--edge"), QStringLiteral("top"), QStringLiteral("--align"), QStringLiteral("right"),
+             QStringLiteral("--height"), QStringLiteral("32"), QStringLiteral("--widthtype"), QStringLiteral("request"),
+             QStringLiteral("--transparent"), QStringLiteral("true"), QStringLiteral("--alpha"), QStringLiteral("0"),
+             QStringLiteral("--tint"), color}};
+}
+
+/// Clicks into the middle of the icon as a user does.
+void clickIcon(const QString& button)
+{
+    const QImage screen = screenshot();
+    QRect icon;
+    for (int y = Bar.top(); y <= Bar.bottom(); ++y) {
+        for (int x = Bar.left(); x <= Bar.right(); ++x) {
+            if (pixelsLike(Iris, screen, QRect(x, y, 1, 1)) > 0)
+                icon |= QRect(x, y, 1, 1);
+        }
+    }
+    QProcess::execute(QStringLiteral("xdotool"), {QStringLiteral("mousemove"), QString::number(icon.center().x()),
+                                                  QString::number(icon.center().y()), QStringLiteral("click"), button});
+}
+
+TEST(ScreenTray, IsWaitedForAndGetsTheIconAgainAfterARestart)
+{
+    TrayRig rig(std::chrono::milliseconds(100));
+    rig.item.setIcon(StatusItem::Icon::Highlighted);
+    rig.item.show();
+    ASSERT_TRUE(happens([&] { return rig.reports > 0; })) << "there is no tray yet";
+    EXPECT_FALSE(rig.item.isInTray());
+    for (const QString& color : {QStringLiteral("0x202020"), QStringLiteral("0xf0f0f0")}) {
+        const DesktopProgram tray = trayOf(color);
+        ASSERT_TRUE(happens(showsOpenEye)) << color.toStdString();
+        rig.item.setIcon(StatusItem::Icon::Plain);
+        ASSERT_TRUE(happens([] { return !showsOpenEye(); }));
+        screenshot(QStringLiteral("tray-plain-") + color);
+        rig.item.setIcon(StatusItem::Icon::Highlighted);
+        ASSERT_TRUE(happens(showsOpenEye));
+        screenshot(QStringLiteral("tray-highlighted-") + color);
+    }
+    EXPECT_EQ(rig.reports, 1);
+}
+
+TEST(ScreenTray, PopsUpTheMenuWithTheDrawnInfoItem)
+{
+    const DesktopProgram tray = trayOf(QStringLiteral("0x202020"));
+    TrayRig rig;
+    rig.item.setIcon(StatusItem::Icon::Highlighted);
+    rig.item.setInfo(TrayRig::news());
+    rig.item.show();
+    ASSERT_TRUE(happens(showsOpenEye));
+    EXPECT_EQ(rig.reports, 0);
+
+    QStringList titles;
+    for (const QAction* action : rig.item.menu().actions())
+        titles.append(action->text());
+    EXPECT_EQ(titles.mid(0, 3),
+              (QStringList{QStringLiteral("Open QuarrySpotter"), QStringLiteral("Refresh Now (next in 12 min)"),
+                           QStringLiteral("Quit QuarrySpotter Agent…")}));
+    EXPECT_EQ(titles.size(), 4) << "the info item comes last";
+
+    for (const QString& button : {QStringLiteral("1"), QStringLiteral("3")}) {
+        if (button == QLatin1String("3"))
+            QApplication::setPalette(QPalette(QColor(50, 50, 54)));
+        clickIcon(button);
+        ASSERT_TRUE(happens([&] { return rig.item.menu().isVisible(); })) << "button " << button.toStdString();
+        const QColor bubble(58, 87, 247);
+        ASSERT_TRUE(happens([&] { return pixelsLike(bubble, screenshot(), rig.item.menu().geometry(), 20) > 200; }));
+        screenshot(QStringLiteral("menu-") + button);
+        rig.item.menu().close();
+    }
+
+    clickIcon(QStringLiteral("1"));
+    ASSERT_TRUE(happens([&] { return rig.item.menu().isVisible(); }));
+    rig.item.removeInfo();
+    EXPECT_EQ(rig.item.menu().actions().size(), 3) << "also while the menu is open";
+    rig.item.menu().actions().at(1)->trigger();
+    EXPECT_EQ(rig.actions, std::vector{StatusItem::Tag::Refresh});
+    rig.item.setEnabled(StatusItem::Tag::Refresh, false);
+    rig.item.menu().actions().at(1)->trigger();
+    rig.item.menu().actions().at(2)->trigger();
+    EXPECT_EQ(rig.actions, (std::vector{StatusItem::Tag::Refresh, StatusItem::Tag::Quit}));
+}
+
+} // namespace

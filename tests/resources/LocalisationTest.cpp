@@ -1,0 +1,112 @@
+#include "archive/PropertyList.h"
+#include "archive/StringTable.h"
+#include "support/QtPrinting.h"
+#include "text/CSRegex.h"
+#include "text/LocalisedFormat.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+using namespace quarry;
+
+namespace {
+
+QDir resources()
+{
+    return QDir(QStringLiteral(QUARRY_BUNDLE_DIR "/Resources"));
+}
+
+QStringList languages()
+{
+    return resources().entryList({QStringLiteral("*.lproj")}, QDir::Dirs);
+}
+
+/// Key and text of "LANGUAGE.lproj/TABLE".
+QMap<QString, QString> tableOf(const QString& language, const QString& table)
+{
+    QFile file(resources().filePath(language + u'/' + table));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << file.fileName().toStdString();
+    const PlistValue::Dictionary content =
+        readPropertyList(file.readAll()).value_or(PlistValue()).dictionary().value_or(PlistValue::Dictionary());
+    QMap<QString, QString> texts;
+    for (auto entry = content.begin(); entry != content.end(); ++entry)
+        texts.insert(entry.key(), entry.value().text().value_or(QString()));
+    return texts;
+}
+
+/// Every text in the sources and the layouts that has the form of a key, and the messages that are keys themselves.
+QStringList keysInUse()
+{
+    static const QRegularExpression literal(QStringLiteral("[\">]((?:[0-9]{3}|Updater_1\\.0)_[^\"%<]+)[\"<]"));
+    QStringList keys;
+    QDirIterator sources(QStringLiteral(QUARRY_TEST_DATA "/../../src"),
+                         {QStringLiteral("*.cpp"), QStringLiteral("*.h"), QStringLiteral("*.ui")}, QDir::Files,
+                         QDirIterator::Subdirectories);
+    while (sources.hasNext()) {
+        QFile source(sources.next());
+        EXPECT_TRUE(source.open(QIODevice::ReadOnly));
+        const QString code = QString::fromUtf8(source.readAll());
+        for (auto match = literal.globalMatch(code); match.hasNext();)
+            keys.append(match.next().captured(1));
+    }
+    for (int code = 1; code <= int(RegexError::IllegalSequence); ++code) {
+        if (const QString message = CSRegex::messageForCode(code); !message.isEmpty())
+            keys.append(message);
+    }
+    return keys;
+}
+
+TEST(Localisation, EveryKeyInTheSourcesHasATextInEveryLanguage)
+{
+    const QStringList keys = keysInUse();
+    EXPECT_GE(keys.size(), 7) << "the services' languages and the placeholders at least";
+    for (const QString& language : languages()) {
+        QMap<QString, QString> texts;
+        for (const QString& table : QDir(resources().filePath(language)).entryList({QStringLiteral("*.strings")}))
+            texts.insert(tableOf(language, table));
+        for (const QString& key : keys)
+            EXPECT_TRUE(texts.contains(key)) << language.toStdString() << " lacks " << key.toStdString();
+    }
+}
+
+TEST(Localisation, TablesOfAllLanguagesHaveTheSameKeysAndPlaceholders)
+{
+    const QString english = QStringLiteral("English.lproj");
+    EXPECT_EQ(languages(), (QStringList{english, QStringLiteral("French.lproj"), QStringLiteral("German.lproj")}));
+    const QStringList tables = QDir(resources().filePath(english)).entryList({QStringLiteral("*.strings")});
+    ASSERT_TRUE(tables.contains(QStringLiteral("Localizable.strings")));
+    for (const QString& name : tables) {
+        const QMap<QString, QString> expected = tableOf(english, name);
+        for (const QString& language : languages()) {
+            const QMap<QString, QString> table = tableOf(language, name);
+            EXPECT_EQ(table.keys(), expected.keys()) << language.toStdString() << ' ' << name.toStdString();
+            for (auto text = table.begin(); text != table.end(); ++text) {
+                EXPECT_EQ(text->isEmpty(), expected.value(text.key()).isEmpty()) << text.key().toStdString();
+                EXPECT_EQ(placeholdersOf(*text), placeholdersOf(expected.value(text.key())))
+                    << text.key().toStdString();
+            }
+        }
+    }
+}
+
+TEST(Localisation, MenuTextsHaveTheFormThatTheAgentReliesOn)
+{
+    for (const QString& locale : {QStringLiteral("en_GB.UTF-8"), QStringLiteral("fr_FR"), QStringLiteral("de")}) {
+        const StringTable texts(resources().path(), {locale});
+        const QString countdown = texts.text(QStringLiteral("100_Update menu string format"));
+        EXPECT_EQ(placeholdersOf(countdown), (QStringList{QStringLiteral("1@"), QStringLiteral("2@")}));
+        EXPECT_EQ(texts.text(QStringLiteral("100_Not determinated")).toInt(), 0) << "its number is 0";
+        for (const char* key :
+             {"113_Template string for queries result", "113_Template string for queries result Singular form"}) {
+            const QString line = texts.text(QLatin1String(key));
+            EXPECT_TRUE(line.startsWith(u'\n') && line.endsWith(QLatin1String("%@"))) << line.toStdString();
+            EXPECT_EQ(placeholdersOf(line), (QStringList{QStringLiteral("1d"), QStringLiteral("2@")}));
+        }
+    }
+}
+
+} // namespace

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QApplication>
+#include <QDir>
+#include <QImage>
+#include <QProcess>
+#include <QScreen>
+#include <QtCore/qtestsupport_core.h>
+
+namespace quarry {
+
+/// Runs the event loop until it is so; false after ten seconds.
+template <typename Condition>
+[[nodiscard]] bool happens(const Condition& condition)
+{
+    return QTest::qWaitFor(condition, 10000);
+}
+
+/// What is on the screen now. With QUARRY_SCREENSHOTS set to a folder, also kept there under the name.
+inline QImage screenshot(const QString& name = {})
+{
+    QImage image = QGuiApplication::primaryScreen()->grabWindow(0).toImage().convertToFormat(QImage::Format_RGB32);
+    const QString folder = qEnvironmentVariable("QUARRY_SCREENSHOTS");
+    if (!folder.isEmpty() && !name.isEmpty())
+        image.save(QDir(folder).filePath(name + QStringLiteral(".png")));
+    return image;
+}
+
+/// How many pixels of an image, or of a part of it, are that color, give or take a little of each part.
+inline int pixelsLike(const QColor& color, const QImage& image, QRect part = {}, int tolerance = 6)
+{
+    part = part.isNull() ? image.rect() : part.intersected(image.rect());
+    int count = 0;
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        for (int x = part.left(); x <= part.right(); ++x) {
+            const QColor pixel = image.pixelColor(x, y);
+            const auto near = [&](int a, int b) { return std::abs(a - b) <= tolerance; };
+            count += near(pixel.red(), color.red()) && near(pixel.green(), color.green()) &&
+                     near(pixel.blue(), color.blue());
+        }
+    }
+    return count;
+}
+
+/// A program of the desktop that ends with the test.
+class DesktopProgram final {
+public:
+    DesktopProgram(const QString& program, const QStringList& arguments)
+    {
+        _process.setProcessChannelMode(QProcess::ForwardedChannels);
+        _process.start(program, arguments);
+    }
+    ~DesktopProgram()
+    {
+        _process.kill();
+        _process.waitForFinished();
+    }
+
+private:
+    QProcess _process;
+};
+
+} // namespace quarry

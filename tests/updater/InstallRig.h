@@ -1,0 +1,203 @@
+#pragma once
+
+#include "support/EagerTimers.h"
+#include "support/ScriptServer.h"
+#include "support/SettableClock.h"
+#include "support/TemporaryHome.h"
+#include "support/UpdaterDoubles.h"
+#include "updater/ImageSignature.h"
+#include "updater/ImageWriter.h"
+#include "updater/LXUpdater.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+namespace quarry::test {
+
+/// Notes what the desktop is asked for.
+class NotedWorkspace final : public Workspace {
+public:
+    bool openBundle(const QString& path) override
+    {
+        opened.append(path);
+        return true;
+    }
+    bool openFile(const QString&, const QString&) override { return false; }
+    bool openAddress(const QString& address) override
+    {
+        addresses.append(address);
+        return true;
+    }
+    bool launch(const QString&, const QStringList&) override { return false; }
+    bool moveToTrash(const QString&) override { return false; }
+
+    QStringList opened;
+    QStringList addresses;
+};
+
+/// The real files, until they are told to fail.
+class FailingBundleFiles final : public BundleFiles {
+public:
+    bool failCopy = false;
+    bool failRename = false;
+    bool failTrash = false;
+    bool isFull = false;
+
+    bool exists(const QString& path) const override { return _disk.exists(path); }
+    std::int64_t size(const QString& folder) const override { return _disk.size(folder); }
+    std::int64_t freeSpace(const QString& folder) const override { return isFull ? 100 : _disk.freeSpace(folder); }
+    bool isWritable(const QString& folder) const override { return _disk.isWritable(folder); }
+    std::optional<QString> makeStagingFolder(const QString& parent) override { return _disk.makeStagingFolder(parent); }
+    QString copy(const QString& from, const QString& to) override
+    {
+        const QString error = _disk.copy(from, to);
+        return failCopy ? QStringLiteral("No space left on device") : error;
+    }
+    bool rename(const QString& from, const QString& to) override { return !failRename && _disk.rename(from, to); }
+    std::optional<QString> moveToTrash(const QString& path) override
+    {
+        return failTrash ? std::nullopt : _disk.moveToTrash(path);
+    }
+    bool putBack(const QString& trashed, const QString& path) override { return _disk.putBack(trashed, path); }
+    void remove(const QString& path) override { _disk.remove(path); }
+
+private:
+    DiskBundleFiles _disk;
+};
+
+/// Version 1 installed in a folder, version 2 on the maker's server, and an updater that is about to be told yes.
+class InstallRig {
+public:
+    InstallRig()
+    {
+        qputenv("HOME", _home.path().toUtf8());
+        qunsetenv("XDG_DATA_HOME");
+        makeBundle(installed, "1.0");
+        QFile::copy(QStringLiteral(QUARRY_BUNDLE_DIR "/bin/DiskImageTool"),
+                    installed + QStringLiteral("/Contents/bin/DiskImageTool"));
+        key = *makeSigningKey();
+        product.version = QStringLiteral("1.0");
+        product.bundlePath = installed;
+        product.osVersion = 120400;
+        product.publicKey = key.publicKey;
+        product.needsSignature = true;
+        product.scriptUrl = Url::fromStored(QString::fromLatin1(server.address()));
+        serveVersion("2.0");
+    }
+
+    static void makeBundle(const QString& path, const QByteArray& version)
+    {
+        const QString contents = path + QStringLiteral("/Contents/");
+        QDir().mkpath(contents + QStringLiteral("bin"));
+        QDir().mkpath(contents + QStringLiteral("Resources/English.lproj"));
+        QDir().mkpath(contents + QStringLiteral("Agents/QuarrySpotterAgent.app"));
+        writeFile(contents + QStringLiteral("Info.plist"),
+                  "<plist version=\"1.0\"><dict><key>CFBundleVersion</key><string>" + version +
+                      "</string><key>CFBundleExecutable</key><string>QuarrySpotter</string></dict></plist>");
+        const QString program = contents + QStringLiteral("bin/QuarrySpotter");
+        writeFile(program, "#!/bin/sh\necho " + version + '\n');
+        QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+    /// An image with that version, signed, and the reply that tells of 2.0.
+    void serveVersion(const QByteArray& version)
+    {
+        const QTemporaryDir made;
+        const QString bundle = made.filePath(QStringLiteral("QuarrySpotter.app"));
+        makeBundle(bundle, version);
+        serveImageOf(bundle);
+    }
+    void serveImageOf(const QString& folder)
+    {
+        const QString image = _home.path() + QStringLiteral("/made.iso");
+        writeImage(folder, image).toStdString();
+        serveImage(contentOf(image));
+        QFile::remove(image);
+    }
+    void serveImage(const QByteArray& bytes)
+    {
+        server.files["/QS-2.0.iso"] = bytes;
+        server.files["/QS-2.0.iso.sig"] = *signatureOf(bytes, key.seed);
+        server.reply = "2.0;101500;https://a.example/p;" + server.address("/QS-2.0.iso");
+    }
+
+    /// Checks; the user says yes; what happens then is up to the test.
+    bool accept()
+    {
+        updater = std::make_unique<LXUpdater>(
+            UpdaterParts{product, clock, events, notifications, defaults, alerts, texts, makeUpdateLoader,
+                         [this] { return std::make_unique<FakeUpdaterWindow>(window); }, &parts});
+        updater->setProductReference(QStringLiteral("QS1"));
+        updater->setCanWarnUser(true);
+        updater->setInstallationEndedHandler([this](UpdateInstallation::End e) { end = e; });
+        updater->checkVersionAsynchronous();
+        if (!events.runUntil([this] { return !window.offers.empty(); }))
+            return false;
+        updater->controllerResult(1);
+        return true;
+    }
+    /// Answers each alert as it comes, until the end.
+    bool runToEnd()
+    {
+        return events.runUntil([this] {
+            while (alerts.isShowing())
+                alerts.answer(0);
+            return end.has_value();
+        });
+    }
+
+    [[nodiscard]] QByteArray installedVersion() const
+    {
+        return contentOf(installed + QStringLiteral("/Contents/bin/QuarrySpotter"));
+    }
+    static QStringList namesIn(const QString& folder)
+    {
+        return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    }
+    [[nodiscard]] QString trash() const { return _home.path() + QStringLiteral("/.local/share/Trash/files"); }
+    /// What should not be there any more: beside the bundle, among the downloads, where images are mounted.
+    [[nodiscard]] QStringList leftOver() const
+    {
+        QStringList names = namesIn(_place.path());
+        names.removeAll(QStringLiteral("QuarrySpotter.app"));
+        return names + namesIn(parts.downloadsFolder) + namesIn(_mounts.path());
+    }
+
+private:
+    TemporaryHome _home;
+    QTemporaryDir _place;
+    QTemporaryDir _mounts;
+
+public:
+    QString installed = _place.filePath(QStringLiteral("QuarrySpotter.app"));
+    QString mountFolder = _mounts.filePath(QStringLiteral("QS-2.0"));
+    SigningKey key;
+    ProductInfo product;
+    ScriptServer server;
+    SettableClock clock;
+    EagerTimers events;
+    PostedNotifications notifications;
+    FakeUpdaterDefaults defaults;
+    FakeAlerts alerts;
+    StringTable texts;
+    FakeUpdaterWindow::Notes window;
+    NotedWorkspace workspace;
+    FailingBundleFiles files;
+    bool terminated = false;
+    std::optional<UpdateInstallation::End> end;
+    InstallationParts parts{
+        workspace,
+        files,
+        [this] { return makeDiskImageTool(installed); },
+        [] {
+            using std::chrono::milliseconds;
+            return makeUpdateDownloader({milliseconds(500), milliseconds(2000), milliseconds(20000), 1 << 24, 3});
+        },
+        _home.path() + QStringLiteral("/Downloads"),
+        _mounts.path(),
+        [this] { terminated = true; },
+        {}};
+    std::unique_ptr<LXUpdater> updater; ///< Goes first.
+};
+
+} // namespace quarry::test

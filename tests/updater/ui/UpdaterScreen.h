@@ -1,0 +1,63 @@
+#pragma once
+
+#include "archive/StringTable.h"
+#include "support/Screen.h"
+#include "support/TemporaryHome.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDialog>
+#include <QDir>
+#include <QIcon>
+#include <QPalette>
+#include <QStyle>
+#include <QStyleFactory>
+
+namespace quarry::test {
+
+/// The English texts, with the release notes at an address of the test's.
+inline StringTable textsWithNotes(const QByteArray& address)
+{
+    const QTemporaryDir resources;
+    QDir(resources.path()).mkpath(QStringLiteral("English.lproj"));
+    QByteArray table = contentOf(QStringLiteral(QUARRY_BUNDLE_DIR "/Resources/English.lproj/Updater.strings"));
+    const qsizetype key = table.indexOf("130_ReleaseNoteRTFUrl");
+    table.insert(table.indexOf("<string>", key) + 8, address);
+    writeFile(resources.filePath(QStringLiteral("English.lproj/Updater.strings")), table);
+    return StringTable(resources.path(), {QStringLiteral("C")}, QStringLiteral("Updater"));
+}
+
+/// Colors of a dark desktop, or of a light one.
+inline void setDark(bool isDark)
+{
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QPalette palette = QApplication::style()->standardPalette();
+    if (isDark) {
+        palette = QPalette(QColor(53, 53, 53));
+        palette.setColor(QPalette::Base, QColor(35, 35, 35));
+        palette.setColor(QPalette::Highlight, QColor(61, 125, 202));
+    }
+    QApplication::setPalette(palette);
+}
+
+/// With QUARRY_SCREENSHOTS set to a folder, keeps a picture of the window there.
+inline void keepPicture(QWidget& window, const char* name)
+{
+    const QString folder = qEnvironmentVariable("QUARRY_SCREENSHOTS");
+    if (!folder.isEmpty())
+        window.grab().save(QDir(folder).filePath(QLatin1String(name) + QStringLiteral(".png")));
+}
+
+/// The button with that text in any open window; null when there is none.
+inline QAbstractButton* openButton(const QString& text)
+{
+    for (const QWidget* window : QApplication::topLevelWidgets()) {
+        for (QAbstractButton* button : window->findChildren<QAbstractButton*>()) {
+            if (button->text() == text && button->isVisible())
+                return button;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace quarry::test
