@@ -1,0 +1,82 @@
+#include "window/DetailPane.h"
+
+#include "exchange/Names.h"
+#include "text/LocalisedFormat.h"
+#include "window/Highlight.h"
+
+#include <QDateTime>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLocale>
+#include <QTextBrowser>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace quarry {
+
+namespace {
+
+QToolButton* buttonFor(QAction* action, QWidget* parent)
+{
+    auto* const button = new QToolButton(parent);
+    button->setDefaultAction(action);
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    const auto follow = [button, action] { button->setVisible(action->isVisible()); };
+    QObject::connect(action, &QAction::changed, button, follow);
+    follow();
+    return button;
+}
+
+} // namespace
+
+DetailPane::DetailPane(WindowActions& actions, const StringTable& texts, QWidget* parent)
+    : QWidget(parent), _texts(texts), _facts(new QLabel(this)), _text(new QTextBrowser(this)),
+      _buttons(new QWidget(this))
+{
+    auto* const row = new QHBoxLayout(_buttons);
+    row->setContentsMargins(0, 0, 0, 0);
+    for (QAction* action : {actions.openResult, actions.markRead, actions.markUnread, actions.hideResult,
+                            actions.excludeHost, actions.blacklistAddress, actions.copyAddress})
+        row->addWidget(buttonFor(action, _buttons));
+    row->addStretch(1);
+    _facts->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    _facts->setTextFormat(Qt::PlainText);
+    _facts->setWordWrap(true);
+    _text->setOpenLinks(false); // Addresses open by the action, which marks the result as read.
+    _text->setAccessibleName(texts.text(QStringLiteral("204_Detail")));
+    connect(_text, &QTextBrowser::anchorClicked, actions.openResult, &QAction::trigger);
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(_buttons);
+    layout->addWidget(_text, 1);
+    layout->addWidget(_facts);
+}
+
+void DetailPane::show(const ResultRecord& record, const QueryCore& query)
+{
+    const QStringList words = query.isHighlightActive() ? highlightWords(query.highlight()) : QStringList();
+    const QString address = record.urlText().value_or(QString());
+    const QString title = record.title().value_or(QString());
+    _text->setHtml(QStringLiteral("<h3>%1</h3><p><a href=\"quarry:open\">%2</a></p><p>%3</p>")
+                       .arg(highlighted(title.isEmpty() ? address : title, words), address.toHtmlEscaped(),
+                            highlighted(record.textFromPage().value_or(QString()), words)));
+    QStringList facts = {query.title(), engineName(record.engineId().value_or(QString()))};
+    if (record.dateOfFind())
+        facts.append(filledFormat(
+            _texts.text(QStringLiteral("204_Found on")),
+            {QLocale().toString(QDateTime::fromMSecsSinceEpoch(qint64(record.dateOfFind()->unixSeconds() * 1000.0)),
+                                QLocale::LongFormat)}));
+    facts.append(_texts.text(record.checksum() ? QStringLiteral("204_Digest kept") : QStringLiteral("204_No digest")));
+    facts.removeAll(QString());
+    _facts->setText(facts.join(QStringLiteral(" · ")));
+    _buttons->show();
+}
+
+void DetailPane::showText(const QString& text)
+{
+    _text->setPlainText(text);
+    _facts->clear();
+    _buttons->setVisible(false);
+}
+
+} // namespace quarry

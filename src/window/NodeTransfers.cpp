@@ -1,0 +1,209 @@
+#include "window/NodeTransfers.h"
+
+#include "text/LocalisedFormat.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QLocale>
+#include <QProgressDialog>
+
+#include <algorithm>
+#include <utility>
+
+namespace quarry {
+
+namespace {
+
+constexpr int ProgressAfterMilliseconds = 500;
+
+struct Kind {
+    ExportFormat format;
+    const char16_t* filter; ///< Key of its name in the file dialog.
+};
+
+constexpr Kind Kinds[] = {{ExportFormat::QsExport, u"214_Kind qsexport"},
+                          {ExportFormat::Opml, u"214_Kind opml"},
+                          {ExportFormat::Json, u"214_Kind json"},
+                          {ExportFormat::Csv, u"214_Kind csv"},
+                          {ExportFormat::Atom, u"214_Kind atom"}};
+
+QString extensionOf(ExportFormat format)
+{
+    return exportFormatNames().at(qsizetype(format));
+}
+
+/// A file name that the title suggests.
+QString fileNameFor(const QString& title)
+{
+    QString name = title.simplified();
+    for (const QChar forbidden : {u'/', u'\\', u':', u'\0'})
+        name.replace(forbidden, u'-');
+    while (name.startsWith(u'.'))
+        name.remove(0, 1);
+    return name.left(80);
+}
+
+void collectQueries(const QueryCorePtr& node, QList<QueryCorePtr>& queries)
+{
+    if (!node->isQueryFolder())
+        queries.append(node);
+    const QList<QueryCorePtr> childs = node->childs().value_or(QList<QueryCorePtr>());
+    for (const QueryCorePtr& child : childs)
+        collectQueries(child, queries);
+}
+
+} // namespace
+
+NodeTransfers::NodeTransfers(Parts parts, QWidget* window)
+    : QObject(window), _parts(std::move(parts)), _window(window),
+      _copy({_parts.session.home, _parts.session.files, _parts.session.notifications, _parts.session.timers},
+            [this] { showCopy(); })
+{
+    connect(_parts.actions.exportNode, &QAction::triggered, this, [this] { askForExport(); });
+    connect(_parts.actions.offlineCopy, &QAction::triggered, this, [this] { askForCopy(); });
+}
+
+NodeTransfers::~NodeTransfers()
+{
+    if (_exportCancelled)
+        *_exportCancelled = true;
+}
+
+QueryCorePtr NodeTransfers::nodeOf(const QString& uuid) const
+{
+    const QueryCorePtr node = _parts.tree.node(uuid);
+    return node ? node : _parts.tree.root();
+}
+
+void NodeTransfers::askForExport()
+{
+    const QString uuid = _parts.pane.currentUuid();
+    auto* const dialog = new QFileDialog(_window, _parts.texts.text(QStringLiteral("214_Export title")));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    QStringList filters;
+    for (const Kind& kind : Kinds)
+        filters.append(QStringLiteral("%1 (*.%2)")
+                           .arg(_parts.texts.text(QString::fromUtf16(kind.filter)), extensionOf(kind.format)));
+    dialog->setNameFilters(filters);
+    dialog->setDefaultSuffix(extensionOf(Kinds[0].format));
+    connect(dialog, &QFileDialog::filterSelected, dialog, [dialog, filters](const QString& filter) {
+        dialog->setDefaultSuffix(extensionOf(Kinds[std::max<qsizetype>(0, filters.indexOf(filter))].format));
+    });
+    const QueryCorePtr node = nodeOf(uuid);
+    dialog->selectFile(fileNameFor(node == _parts.tree.root() ? QStringLiteral("QuarrySpotter") : node->title()));
+    connect(dialog, &QFileDialog::fileSelected, this, [this, dialog, uuid, filters](const QString& file) {
+        const qsizetype kind = std::max<qsizetype>(0, filters.indexOf(dialog->selectedNameFilter()));
+        exportTo(uuid, file, exportFormatOfFile(file).value_or(Kinds[kind].format));
+    });
+    dialog->open();
+}
+
+void NodeTransfers::exportTo(const QString& uuid, const QString& file, ExportFormat format)
+{
+    const auto cancelled = std::make_shared<std::atomic<bool>>(false);
+    _exportCancelled = cancelled;
+    QProgressDialog* const progress = showProgress(
+        filledFormat(_parts.texts.text(QStringLiteral("214_Exporting")), {QDir::toNativeSeparators(file)}));
+    connect(progress, &QProgressDialog::canceled, this, [cancelled] { *cancelled = true; });
+    const QPointer<QProgressDialog> shown = progress;
+    _exporter.add([this, node = nodeOf(uuid), file, format, cancelled, shown, home = _parts.session.home,
+                   &files = _parts.session.files] {
+        const ExportFile done = exportToFile(node, format, ExportedResults::All, file, home, files, cancelled.get());
+        // A call that is queued for an object that went is dropped by Qt.
+        QMetaObject::invokeMethod(this, [this, done, shown, cancelled] {
+            if (shown)
+                shown->deleteLater();
+            const QString path = QDir::toNativeSeparators(done.path);
+            if (done.error.isEmpty())
+                Q_EMIT ended(true, filledFormat(_parts.texts.text(QStringLiteral("214_Exported")), {path}));
+            else if (*cancelled)
+                Q_EMIT ended(true, _parts.texts.text(QStringLiteral("214_Export stopped")));
+            else
+                Q_EMIT ended(false, filledFormat(_parts.texts.text(QStringLiteral("214_Not exported")), {done.error}));
+        });
+    });
+}
+
+void NodeTransfers::askForCopy()
+{
+    auto* const dialog = new QFileDialog(_window, _parts.texts.text(QStringLiteral("214_Copy title")));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(QFileDialog::Directory);
+    dialog->setOption(QFileDialog::ShowDirsOnly);
+    connect(dialog, &QFileDialog::fileSelected, this,
+            [this, uuid = _parts.pane.currentUuid()](const QString& folder) { copyTo(uuid, folder); });
+    dialog->open();
+}
+
+void NodeTransfers::copyTo(const QString& uuid, const QString& folder)
+{
+    if (isCopying()) {
+        Q_EMIT ended(false, _parts.texts.text(QStringLiteral("214_Copy runs")));
+        return;
+    }
+    QList<QueryCorePtr> queries;
+    collectQueries(nodeOf(uuid), queries);
+    if (queries.isEmpty())
+        return;
+    _copyProgress = showProgress(_parts.texts.text(QStringLiteral("214_Copying")));
+    connect(_copyProgress, &QProgressDialog::canceled, this, [this] {
+        if (_copyProgress)
+            _copyProgress->setLabelText(_parts.texts.text(QStringLiteral("205_Stopping")));
+        _copy.stop();
+    });
+    _copy.start(queries, QDir::cleanPath(folder));
+}
+
+QProgressDialog* NodeTransfers::showProgress(const QString& text)
+{
+    auto* const progress =
+        new QProgressDialog(text, _parts.texts.text(QStringLiteral("203_Stop refresh")), 0, 0, _window);
+    progress->setWindowTitle(_parts.texts.text(QStringLiteral("214_Progress title")));
+    progress->setAttribute(Qt::WA_DeleteOnClose);
+    progress->setWindowModality(Qt::NonModal);
+    progress->setMinimumDuration(ProgressAfterMilliseconds);
+    progress->setAutoReset(false);
+    progress->setAutoClose(false);
+    return progress;
+}
+
+void NodeTransfers::showCopy()
+{
+    const OfflineCopyState& state = _copy.state();
+    if (!state.isRunning) {
+        if (_copyProgress)
+            _copyProgress->deleteLater();
+        Q_EMIT ended(state.failed == 0, summaryOf(state));
+        return;
+    }
+    if (!_copyProgress || state.isStopping)
+        return;
+    const QLocale locale;
+    _copyProgress->setLabelText(filledFormat(
+        _parts.texts.text(QStringLiteral("214_Copying query")),
+        {state.title, locale.toString(state.resultsDone), locale.toString(state.results),
+         locale.toString(std::min(state.queriesDone + 1, state.queries)), locale.toString(state.queries)}));
+    _copyProgress->setMaximum(int(state.results));
+    _copyProgress->setValue(int(state.resultsDone));
+}
+
+QString NodeTransfers::summaryOf(const OfflineCopyState& state) const
+{
+    const QLocale locale;
+    const auto line = [&](const QString& key, qint64 count) {
+        return count > 0 ? filledFormat(_parts.texts.text(key), {locale.toString(count)}) : QString();
+    };
+    QStringList lines = {filledFormat(_parts.texts.text(QStringLiteral("214_Copied")),
+                                      {locale.toString(state.copied), locale.toString(state.counts.copied),
+                                       QDir::toNativeSeparators(state.folder)}),
+                         line(QStringLiteral("214_Unreadable"), state.counts.unreadable),
+                         line(QStringLiteral("214_There"), state.there),
+                         line(QStringLiteral("214_Failed"), state.failed),
+                         state.error,
+                         state.isStopped ? _parts.texts.text(QStringLiteral("214_Copy stopped")) : QString()};
+    lines.removeAll(QString());
+    return lines.join(u'\n');
+}
+
+} // namespace quarry

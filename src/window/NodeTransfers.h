@@ -1,0 +1,64 @@
+#pragma once
+
+#include "archive/StringTable.h"
+#include "exchange/ExportFile.h"
+#include "session/LiveTree.h"
+#include "session/OfflineCopyRun.h"
+#include "window/TreePane.h"
+#include "window/WindowActions.h"
+
+#include <QObject>
+#include <QPointer>
+
+#include <memory>
+
+class QProgressDialog;
+
+namespace quarry {
+
+/// Writes what is selected to files: exports, and offline copies of the pages behind results. Both on threads of their
+/// own, with a sign of how far they are and a stop; the window goes on meanwhile.
+class NodeTransfers final : public QObject {
+    Q_OBJECT
+
+public:
+    struct Parts {
+        LiveTree::Parts session;
+        const LiveTree& tree;
+        TreePane& pane;
+        WindowActions& actions;
+        const StringTable& texts;
+    };
+
+    /// References must outlive the object. The dialogs belong to `window`.
+    NodeTransfers(Parts parts, QWidget* window);
+    ~NodeTransfers() override;
+
+    [[nodiscard]] bool isCopying() const { return _copy.state().isRunning; }
+    /// Stops a copy, and calls back when the window may go.
+    void stopToQuit(std::function<void()> reply) { _copy.stopToQuit(std::move(reply)); }
+
+    void exportTo(const QString& uuid, const QString& file, ExportFormat format);
+    void copyTo(const QString& uuid, const QString& folder);
+
+Q_SIGNALS:
+    /// How it ended, for a person.
+    void ended(bool isDone, const QString& text);
+
+private:
+    void askForExport();
+    void askForCopy();
+    [[nodiscard]] QueryCorePtr nodeOf(const QString& uuid) const;
+    [[nodiscard]] QProgressDialog* showProgress(const QString& text);
+    void showCopy();
+    [[nodiscard]] QString summaryOf(const OfflineCopyState& state) const;
+
+    Parts _parts;
+    QWidget* _window;
+    QPointer<QProgressDialog> _copyProgress;
+    OfflineCopyRun _copy;
+    std::shared_ptr<std::atomic<bool>> _exportCancelled;
+    Worker _exporter; ///< Last: it ends before what its jobs call goes away.
+};
+
+} // namespace quarry

@@ -1,0 +1,114 @@
+#include "window/ResultEdits.h"
+
+#include <QMap>
+#include <QSet>
+
+namespace quarry {
+
+namespace {
+
+/// The rows of which `wanted` is true.
+template <typename Wanted>
+QModelIndexList rowsWhere(const ResultModel& model, const QModelIndexList& rows, const Wanted& wanted)
+{
+    QModelIndexList found;
+    for (const QModelIndex& index : rows) {
+        if (wanted(model.row(index).record))
+            found.append(index);
+    }
+    return found;
+}
+
+void collectUnread(const QueryCorePtr& node, ResultSelection& unread)
+{
+    const QList<QueryCorePtr> childs = node->childs().value_or(QList<QueryCorePtr>());
+    for (const QueryCorePtr& child : childs)
+        collectUnread(child, unread);
+    const ResultList records = node->snapshot().fields._currentResult.value_or(ResultList());
+    for (const ResultRecord& record : records) {
+        if (!record.isRead())
+            unread[node->UUID()].add(record);
+    }
+}
+
+} // namespace
+
+void ResultEdits::setRead(bool read, const ResultModel& model, const QModelIndexList& rows)
+{
+    const ResultSelection changing =
+        model.selection(rowsWhere(model, rows, [read](const ResultRecord& record) { return record.isRead() != read; }));
+    if (changing.isEmpty())
+        return;
+    _edits.perform(_texts.text(read ? QStringLiteral("201_Undo mark read") : QStringLiteral("201_Undo mark unread")),
+                   edits::setRead(read, changing), edits::setRead(!read, changing));
+}
+
+void ResultEdits::markOpened(const ResultModel& model, const QModelIndexList& rows)
+{
+    const ResultSelection unread =
+        model.selection(rowsWhere(model, rows, [](const ResultRecord& record) { return !record.isRead(); }));
+    if (!unread.isEmpty())
+        _edits.performQuietly(edits::setRead(true, unread));
+}
+
+void ResultEdits::markAllRead(const QueryCorePtr& node)
+{
+    ResultSelection unread;
+    if (node)
+        collectUnread(node, unread);
+    if (!unread.isEmpty())
+        _edits.perform(_texts.text(QStringLiteral("201_Undo mark all read")), edits::setRead(true, unread),
+                       edits::setRead(false, unread));
+}
+
+void ResultEdits::setHidden(bool hidden, const ResultModel& model, const QModelIndexList& rows)
+{
+    const ResultSelection changing = model.selection(rows);
+    if (!changing.isEmpty())
+        _edits.perform(_texts.text(hidden ? QStringLiteral("201_Undo hide") : QStringLiteral("201_Undo show again")),
+                       edits::setHidden(hidden, changing), edits::setHidden(!hidden, changing));
+}
+
+void ResultEdits::setRating(qint64 rating, const ResultModel& model, const QModelIndexList& rows)
+{
+    QMap<qint64, QModelIndexList> byFormerRating;
+    for (const QModelIndex& index : rows) {
+        const qint64 former = model.row(index).record.rating().value_or(0);
+        if (former != rating)
+            byFormerRating[former].append(index);
+    }
+    QList<TreeEdit> changes;
+    QList<TreeEdit> opposites;
+    for (auto former = byFormerRating.constBegin(); former != byFormerRating.constEnd(); ++former) {
+        const ResultSelection changing = model.selection(former.value());
+        changes.append(edits::setRating(rating, changing));
+        opposites.append(edits::setRating(former.key(), changing));
+    }
+    if (!changes.isEmpty())
+        _edits.perform(_texts.text(QStringLiteral("201_Undo rating")), edits::together(changes),
+                       edits::together(opposites));
+}
+
+void ResultEdits::excludeHosts(const ResultModel& model, const QModelIndexList& rows)
+{
+    QList<TreeEdit> changes;
+    QList<TreeEdit> opposites;
+    QSet<QString> done;
+    for (const QModelIndex& index : rows) {
+        const ResultListing::Row& row = model.row(index);
+        const QString uuid = model.listing().queryUuid(row);
+        const std::optional<Url> url = row.record.url();
+        const QString host = url ? url->host().toString() : QString();
+        const QueryCorePtr query = _tree.node(uuid);
+        if (host.isEmpty() || !query || done.contains(uuid + u'\n' + host))
+            continue;
+        done.insert(uuid + u'\n' + host);
+        changes.append(edits::excludeHost(uuid, host));
+        opposites.append(edits::includeHost(query, host));
+    }
+    if (!changes.isEmpty())
+        _edits.perform(_texts.text(QStringLiteral("201_Undo exclude")), edits::together(changes),
+                       edits::together(opposites));
+}
+
+} // namespace quarry

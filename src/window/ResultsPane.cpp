@@ -1,0 +1,273 @@
+#include "window/ResultsPane.h"
+
+#include "model/ResultComparator.h"
+#include "text/LocalisedFormat.h"
+#include "window/ResultDelegate.h"
+
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
+#include <QScrollBar>
+#include <QTableView>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <array>
+#include <vector>
+
+namespace quarry {
+
+namespace {
+
+struct NamedOrder {
+    ResultOrder order;
+    const char16_t* key;
+};
+constexpr std::array Orders = {
+    NamedOrder{NewestFirst, u"202_Order newest"}, NamedOrder{OldestFirst, u"202_Order oldest"},
+    NamedOrder{ByRank, u"202_Order rank"},        NamedOrder{UnreadFirst, u"202_Order unread"},
+    NamedOrder{ByAddress, u"202_Order address"},  NamedOrder{ByTitle, u"202_Order title"},
+    NamedOrder{ByRating, u"202_Order rating"}};
+
+QStringList columnTitles(const StringTable& texts)
+{
+    return {texts.text(QStringLiteral("202_Column title")), texts.text(QStringLiteral("202_Column service")),
+            texts.text(QStringLiteral("202_Column rank")), texts.text(QStringLiteral("202_Column found")),
+            texts.text(QStringLiteral("202_Column rating"))};
+}
+
+} // namespace
+
+ResultsPane::ResultsPane(EventTimers& timers, const StringTable& texts, QWidget* parent)
+    : QWidget(parent), _texts(texts), _model(columnTitles(texts)),
+      _loader(timers, [this](ResultListing listing) { take(std::move(listing)); })
+{
+    makeControls(texts);
+    makeList(texts);
+    auto* const controls = new QHBoxLayout;
+    controls->addWidget(_search, 1);
+    controls->addWidget(_order);
+    controls->addWidget(_hidden);
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addLayout(controls);
+    layout->addWidget(_list, 1);
+    layout->addWidget(_count);
+}
+
+void ResultsPane::makeControls(const StringTable& texts)
+{
+    _search = new QLineEdit(this);
+    _search->setPlaceholderText(texts.text(QStringLiteral("202_Search")));
+    _search->setAccessibleName(texts.text(QStringLiteral("202_Search")));
+    _search->setClearButtonEnabled(true);
+    connect(_search, &QLineEdit::textChanged, this, [this] { load(); });
+
+    _order = new QComboBox(this);
+    _order->setAccessibleName(texts.text(QStringLiteral("202_Order")));
+    _order->setToolTip(texts.text(QStringLiteral("202_Order")));
+    for (const NamedOrder& named : Orders)
+        _order->addItem(texts.text(QString::fromUtf16(named.key)), int(named.order));
+    connect(_order, &QComboBox::currentIndexChanged, this, [this] { load(); });
+
+    _hidden = new QToolButton(this);
+    _hidden->setText(texts.text(QStringLiteral("202_Show hidden")));
+    _hidden->setToolTip(texts.text(QStringLiteral("202_Show hidden tip")));
+    _hidden->setCheckable(true);
+    connect(_hidden, &QToolButton::toggled, this, [this] { load(); });
+
+    _count = new QLabel(this);
+}
+
+void ResultsPane::makeList(const StringTable& texts)
+{
+    _list = new QTableView(this);
+    _list->setModel(&_model);
+    auto* const delegate = new ResultDelegate(texts, _list);
+    _list->setItemDelegate(delegate);
+    connect(delegate, &ResultDelegate::ratingClicked, this, &ResultsPane::ratingWanted);
+    _list->setSelectionBehavior(QAbstractItemView::SelectRows);
+    _list->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    _list->setShowGrid(false);
+    _list->setWordWrap(false);
+    _list->setTabKeyNavigation(false);
+    _list->setAccessibleName(texts.text(QStringLiteral("202_Results")));
+    _list->verticalHeader()->hide();
+    // One height for all: measuring a million rows would take longer than anything else here.
+    _list->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    _list->verticalHeader()->setDefaultSectionSize(ResultDelegate::rowHeight(_list->font()));
+    _list->horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
+    _list->horizontalHeader()->setSectionResizeMode(ResultModel::TitleColumn, QHeaderView::Stretch);
+    _list->horizontalHeader()->setHighlightSections(false);
+    _list->horizontalHeader()->setDefaultAlignment(Qt::AlignLeading | Qt::AlignVCenter);
+    const QFontMetrics metrics(_list->font());
+    const auto widthFor = [this, &metrics](int column, const QString& text) {
+        _list->setColumnWidth(column, metrics.horizontalAdvance(text) + 2 * metrics.averageCharWidth());
+    };
+    widthFor(ResultModel::ServiceColumn, QStringLiteral("MMMMMMMM"));
+    widthFor(ResultModel::RankColumn, QStringLiteral("MMMM"));
+    widthFor(ResultModel::FoundColumn, QStringLiteral("00. MMM 0000"));
+    _list->setColumnWidth(ResultModel::RatingColumn, ResultDelegate::ratingWidth(_list->font()));
+    _list->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(_list, &QTableView::customContextMenuRequested, this,
+            [this](const QPoint& at) { Q_EMIT contextMenuWanted(_list->viewport()->mapToGlobal(at)); });
+    connect(_list, &QTableView::activated, this, [this] { Q_EMIT openWanted(); });
+    connect(_list->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            [this] { Q_EMIT currentResultChanged(); });
+}
+
+void ResultsPane::show(const QueryCorePtr& node, qint64 expected)
+{
+    _node = node;
+    _expected = expected;
+    _loader.forget();
+    load();
+}
+
+void ResultsPane::load()
+{
+    _loader.load({_node, _order->currentData().toInt(), showsHidden(), _search->text(), _expected});
+}
+
+void ResultsPane::take(ResultListing listing)
+{
+    const QString uuid = _node ? _node->UUID() : QString();
+    const bool isSame = uuid == _shownUuid;
+    const QModelIndex before = currentRow();
+    const ResultSelection selected = isSame ? _model.selection(selectedRows()) : ResultSelection();
+    const QString owner = isSame && before.isValid() ? _model.listing().queryUuid(_model.row(before)) : QString();
+    const QString key = owner.isEmpty() ? QString() : ResultKeys::keyOf(_model.row(before).record);
+    const int scroll = isSame ? _list->verticalScrollBar()->value() : 0;
+    _shownUuid = uuid;
+
+    _loader.retire(_model.setListing(std::move(listing)));
+    const QItemSelection rows = rowsOf(selected);
+    if (const QModelIndex current = owner.isEmpty() ? QModelIndex() : _model.indexOf(owner, key); current.isValid())
+        _list->selectionModel()->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
+    else if (isSame && before.isValid() && _model.rowCount() > 0)
+        // What was current went: the one that took its place, so that the next key press goes on from there.
+        _list->selectRow(std::min(before.row(), _model.rowCount() - 1));
+    _list->selectionModel()->select(rows, QItemSelectionModel::Select);
+    _list->verticalScrollBar()->setValue(scroll);
+    sayCount();
+    if (std::exchange(_wantsUnread, false))
+        selectNextUnread();
+    Q_EMIT currentResultChanged();
+}
+
+QItemSelection ResultsPane::rowsOf(const ResultSelection& results) const
+{
+    QItemSelection rows;
+    if (results.isEmpty())
+        return rows;
+    const ResultListing& listing = _model.listing();
+    std::vector<const ResultKeys*> wanted; // By the number of the query: a million rows are asked for it.
+    for (const QString& uuid : listing.queries()) {
+        const auto keys = results.constFind(uuid);
+        wanted.push_back(keys == results.constEnd() ? nullptr : &*keys);
+    }
+    const auto isWanted = [&](const ResultListing::Row& row) {
+        const ResultKeys* const keys = wanted[row.query];
+        return keys && keys->contains(row.record);
+    };
+    for (std::size_t row = 0; row < listing.size(); ++row) {
+        if (!isWanted(listing.row(row)))
+            continue;
+        const std::size_t first = row;
+        while (row + 1 < listing.size() && isWanted(listing.row(row + 1)))
+            ++row;
+        rows.append(QItemSelectionRange(_model.index(static_cast<int>(first), 0),
+                                        _model.index(static_cast<int>(row), ResultModel::ColumnCount - 1)));
+    }
+    return rows;
+}
+
+void ResultsPane::sayCount()
+{
+    const QString number = QLocale().toString(_model.rowCount());
+    _count->setText(filledFormat(_texts.text(_model.rowCount() == 1 ? QStringLiteral("202_One result")
+                                                                    : QStringLiteral("202_Number of results")),
+                                 {number}));
+}
+
+QModelIndexList ResultsPane::selectedRows() const
+{
+    return _list->selectionModel()->selectedRows();
+}
+
+QModelIndex ResultsPane::currentRow() const
+{
+    return _list->currentIndex();
+}
+
+bool ResultsPane::showsHidden() const
+{
+    return _hidden->isChecked();
+}
+
+bool ResultsPane::selectNextUnread()
+{
+    const int rows = _model.rowCount();
+    // A list that got the focus has a current row before anything is selected.
+    const bool isSelected = _list->selectionModel()->isRowSelected(currentRow().row(), {});
+    const int start = currentRow().isValid() ? currentRow().row() + (isSelected ? 1 : 0) : 0;
+    for (int i = 0; i < rows; ++i) {
+        const QModelIndex index = _model.index((start + i) % rows, 0);
+        if (!index.data(ResultModel::UnreadRole).toBool())
+            continue;
+        _list->selectRow(index.row());
+        _list->scrollTo(index);
+        Q_EMIT unreadReached(index);
+        return true;
+    }
+    return false;
+}
+
+void ResultsPane::selectUnreadWhenLoaded()
+{
+    if (_loader.isLoading())
+        _wantsUnread = true;
+    else
+        selectNextUnread();
+}
+
+int ResultsPane::order() const
+{
+    return _order->currentData().toInt();
+}
+
+void ResultsPane::setOrder(int order)
+{
+    if (const int index = _order->findData(order); index >= 0)
+        _order->setCurrentIndex(index);
+}
+
+QByteArray ResultsPane::columns() const
+{
+    return _list->horizontalHeader()->saveState();
+}
+
+void ResultsPane::restoreColumns(const QByteArray& state)
+{
+    _list->horizontalHeader()->restoreState(state);
+}
+
+void ResultsPane::selectNext(int step)
+{
+    const int rows = _model.rowCount();
+    if (rows == 0)
+        return;
+    const int row = currentRow().isValid() ? currentRow().row() + step : 0;
+    _list->selectRow(std::clamp(row, 0, rows - 1));
+}
+
+void ResultsPane::focusSearch()
+{
+    _search->setFocus(Qt::ShortcutFocusReason);
+    _search->selectAll();
+}
+
+} // namespace quarry

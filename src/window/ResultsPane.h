@@ -1,0 +1,80 @@
+#pragma once
+
+#include "archive/StringTable.h"
+#include "session/ListingLoader.h"
+#include "window/ResultModel.h"
+
+#include <QItemSelection>
+#include <QWidget>
+
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QTableView;
+class QToolButton;
+
+namespace quarry {
+
+/// The results of the selected node in the middle: the interactive search, the order, the list. Keeps selection and
+/// scroll position when the same node's results change. It changes nothing but what it shows.
+class ResultsPane final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// `timers` and `texts` must outlive the pane.
+    ResultsPane(EventTimers& timers, const StringTable& texts, QWidget* parent = nullptr);
+
+    /// Shows that node's results; `expected` is about how many there are. The same node again refreshes the list.
+    void show(const QueryCorePtr& node, qint64 expected);
+    [[nodiscard]] const ResultModel& model() const { return _model; }
+    [[nodiscard]] QModelIndexList selectedRows() const;
+    [[nodiscard]] QModelIndex currentRow() const;
+    [[nodiscard]] bool showsHidden() const;
+    /// Selects the next unread result below the current one, or from the top, and tells; false when there is none.
+    bool selectNextUnread();
+    /// As selectNextUnread, as soon as the list that was asked for is there.
+    void selectUnreadWhenLoaded();
+    void selectNext(int step);
+    void focusSearch();
+    [[nodiscard]] QTableView& list() { return *_list; }
+
+    /// As in ResultComparator.h.
+    [[nodiscard]] int order() const;
+    void setOrder(int order);
+    /// The widths of the columns, in a form of their own.
+    [[nodiscard]] QByteArray columns() const;
+    void restoreColumns(const QByteArray& state);
+
+Q_SIGNALS:
+    /// Another result is current, or what is shown of it changed.
+    void currentResultChanged();
+    /// The user stepped to an unread result.
+    void unreadReached(const QModelIndex& row);
+    void openWanted();
+    void ratingWanted(const QModelIndex& row, int rating);
+    void contextMenuWanted(const QPoint& globalPosition);
+
+private:
+    void load();
+    void take(ResultListing listing);
+    void makeControls(const StringTable& texts);
+    void makeList(const StringTable& texts);
+    /// Where these results are listed now.
+    [[nodiscard]] QItemSelection rowsOf(const ResultSelection& results) const;
+    void sayCount();
+
+    const StringTable& _texts;
+    ResultModel _model;
+    ListingLoader _loader;
+    QueryCorePtr _node;
+    QString _shownUuid;
+    qint64 _expected = 0;
+    bool _wantsUnread = false;
+    QLineEdit* _search = nullptr;
+    QComboBox* _order = nullptr;
+    QToolButton* _hidden = nullptr;
+    QTableView* _list = nullptr;
+    QLabel* _count = nullptr;
+};
+
+} // namespace quarry

@@ -1,0 +1,58 @@
+#include "window/ServiceIcons.h"
+
+#include "engines/SearchService.h"
+
+#include <QHash>
+#include <QPainter>
+#include <QPixmap>
+
+#include <array>
+
+namespace quarry {
+
+namespace {
+
+constexpr int Side = 32; // Drawn once, shown at half that and less.
+/// Far enough from one another, and from light and dark backgrounds.
+constexpr std::array Colours = {0x3B78C3, 0x7B4FA6, 0x1E8E8E, 0xB8662B, 0x5A8F3A};
+
+QIcon draw(QChar letter, const QColor& colour)
+{
+    QPixmap picture(Side, Side);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour);
+    painter.drawRoundedRect(picture.rect(), Side / 5.0, Side / 5.0);
+    QFont font = painter.font();
+    font.setPixelSize(Side * 3 / 4);
+    font.setBold(true);
+    painter.setFont(font);
+    painter.setPen(Qt::white);
+    painter.drawText(picture.rect(), Qt::AlignCenter, letter);
+    painter.end();
+    return QIcon(picture);
+}
+
+QHash<QString, QIcon> drawAll()
+{
+    static_assert(Colours.size() >= AllSearchServices.size());
+    QHash<QString, QIcon> icons;
+    std::size_t next = 0;
+    for (const SearchService service : AllSearchServices)
+        icons.insert(searchServiceIdentifier(service),
+                     draw(searchServiceName(service).at(0), QColor(QRgb(Colours.at(next++)))));
+    icons.remove(QString()); // Of the one that makes no records.
+    return icons;
+}
+
+} // namespace
+
+QIcon serviceIcon(const QString& engineId)
+{
+    static const QHash<QString, QIcon> icons = drawAll();
+    return icons.value(engineId);
+}
+
+} // namespace quarry

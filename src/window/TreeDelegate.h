@@ -1,0 +1,34 @@
+#pragma once
+
+#include "archive/StringTable.h"
+
+#include <QHash>
+#include <QIcon>
+#include <QStyle>
+#include <QStyledItemDelegate>
+
+namespace quarry {
+
+/// Draws a row of the tree: the title (bold with unread results, faint when paused), a sign while it is updated, and a
+/// badge with the number of unread results.
+class TreeDelegate final : public QStyledItemDelegate {
+    Q_OBJECT
+
+public:
+    TreeDelegate(const StringTable& texts, QObject* parent);
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
+
+private:
+    [[nodiscard]] QIcon icon(QStyle::StandardPixmap picture) const;
+
+    const StringTable& _texts;
+    /// The style reads its files again each time it is asked: that took most of the time of drawing the window.
+    mutable QHash<QStyle::StandardPixmap, QIcon> _icons;
+};
+
+} // namespace quarry

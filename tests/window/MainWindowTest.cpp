@@ -1,0 +1,267 @@
+#include "MainWindowRig.h"
+
+#include <QClipboard>
+#include <QMenu>
+#include <QProcess>
+#include <QScrollBar>
+#include <QToolButton>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace quarry::test {
+namespace {
+
+class MainWindowTest : public WindowTest {
+protected:
+    void SetUp() override { makeDatabase(); }
+    QRect ratingCell(int row) { return list().visualRect(list().model()->index(row, ResultModel::RatingColumn)); }
+    /// How much of the stars of a row is filled.
+    int filled(int row)
+    {
+        return pixelsLike(list().palette().color(QPalette::Highlight), seen(*list().viewport(), ratingCell(row)), {},
+                          40);
+    }
+    /// Presses, moves and lets go as a hand would: the desktop's own drag and drop takes part.
+    void drag(const QPoint& from, const QPoint& to)
+    {
+        const auto word = [](const QPoint& at) {
+            return QStringList{u"mousemove"_s, QString::number(at.x()), QString::number(at.y())};
+        };
+        QStringList arguments = word(from) + QStringList{u"mousedown"_s, u"1"_s};
+        for (int step = 1; step <= 10; ++step)
+            arguments += word(from + (to - from) * step / 10) + QStringList{u"sleep"_s, u"0.03"_s};
+        arguments += QStringList{u"mouseup"_s, u"1"_s};
+        QProcess hand;
+        hand.start(u"xdotool"_s, arguments);
+        EXPECT_TRUE(happens([&hand] { return hand.state() == QProcess::NotRunning; }));
+        EXPECT_EQ(hand.exitCode(), 0);
+    }
+    QPoint onScreen(const QPoint& inTree) { return window->treePane().viewport()->mapToGlobal(inTree); }
+};
+
+TEST_F(MainWindowTest, ShowsTheTreeItsBadgesAndTheResultsOfWhatIsClicked)
+{
+    open();
+    EXPECT_EQ(window->windowTitle(), u"QuarrySpotter (60 unread)"_s);
+    window->treePane().expandAll();
+    clickTree(u"pond"_s);
+    EXPECT_EQ(list().model()->rowCount(), 60);
+    EXPECT_EQ(shownTitles().value(0), u"r60"_s) << "newest first";
+    const QColor badge = window->palette().color(QPalette::Highlight);
+    const QRect row = treeRow(u"Garden"_s);
+    EXPECT_GT(pixelsLike(badge, seen(*window->treePane().viewport(), row)), 100);
+    clickTree(u"bread"_s);
+    EXPECT_EQ(list().model()->rowCount(), 0);
+    EXPECT_EQ(pixelsLike(badge, seen(*window->treePane().viewport(),
+                                     treeRow(u"pond"_s).adjusted(0, 0, -treeRow(u"pond"_s).width() / 2, 0))),
+              0)
+        << "the selection went with the click";
+    clickTree(u"Garden"_s);
+    EXPECT_EQ(list().model()->rowCount(), 60) << "a folder shows what lies below it";
+    screenshot(u"main-window"_s);
+}
+
+TEST_F(MainWindowTest, KeysWorkThroughTheResultsAndUndoTakesEachBack)
+{
+    openAt(pond);
+    QTest::keyClick(&list(), Qt::Key_N);
+    EXPECT_EQ(current(), u"r60"_s);
+    QTest::keyClick(&list(), Qt::Key_N);
+    EXPECT_EQ(current(), u"r59"_s);
+    EXPECT_EQ(window->windowTitle(), u"QuarrySpotter (58 unread)"_s) << "what one steps to is read";
+    QTest::keyClick(&list(), Qt::Key_U);
+    EXPECT_EQ(window->windowTitle(), u"QuarrySpotter (59 unread)"_s);
+    QTest::keyClick(&list(), Qt::Key_H);
+    EXPECT_EQ(current(), u"r58"_s) << "the one that took its place";
+    EXPECT_FALSE(shownTitles().contains(u"r59"_s));
+    QTest::keyClick(&list(), Qt::Key_4);
+    EXPECT_GT(filled(list().currentIndex().row()), 0);
+    QTest::keyClick(&list(), Qt::Key_Return);
+    EXPECT_EQ(workspace.opened, QStringList{u"http://r58.example/page"_s});
+    QTest::keyClick(&list(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), u"http://r58.example/page"_s);
+    QTest::keyClick(&list(), Qt::Key_X);
+    EXPECT_EQ(list().model()->rowCount(), 58);
+    QTest::keyClick(&list(), Qt::Key_M, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(window->windowTitle(), u"QuarrySpotter"_s);
+
+    for (int step = 0; step < 5; ++step)
+        QTest::keyClick(&list(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(list().model()->rowCount(), 60);
+    EXPECT_EQ(window->windowTitle(), u"QuarrySpotter (57 unread)"_s) << "what was seen stays read";
+    EXPECT_EQ(list().model()->index(2, 0).data(ResultModel::RatingRole).toInt(), 0);
+}
+
+TEST_F(MainWindowTest, TypingStaysTyping)
+{
+    openAt(pond);
+    QTest::keyClick(&list(), Qt::Key_Slash);
+    QWidget* const search = QApplication::focusWidget();
+    ASSERT_TRUE(qobject_cast<QLineEdit*>(search));
+    QTest::keyClicks(search, u"xhn5 m"_s);
+    EXPECT_EQ(qobject_cast<QLineEdit*>(search)->text(), u"xhn5 m"_s);
+    EXPECT_EQ(list().model()->rowCount(), 0);
+    QTest::keyClick(search, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(search, u"R7.EX"_s);
+    EXPECT_EQ(shownTitles(), QStringList{u"r7"_s}) << "in addresses, whatever the case";
+    EXPECT_EQ(window->windowTitle(), u"QuarrySpotter (60 unread)"_s);
+
+    window->treePane().setFocus();
+    window->treePane().select(bread);
+    QTest::keyClick(&window->treePane(), Qt::Key_F2);
+    QWidget* const editor = QApplication::focusWidget();
+    ASSERT_TRUE(qobject_cast<QLineEdit*>(editor));
+    QTest::keyClicks(editor, u"Numb hux 3"_s);
+    QTest::keyClick(editor, Qt::Key_Return);
+    EXPECT_TRUE(happens([this] { return window->tree().node(bread)->title() == u"Numb hux 3"_s; }));
+    QTest::keyClick(&window->treePane(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(window->tree().node(bread)->title(), u"bread"_s);
+}
+
+TEST_F(MainWindowTest, StarsAreClickedAndKept)
+{
+    openAt(pond);
+    const auto star = [this](int row, int number) {
+        const QRect cell = ratingCell(row);
+        return QPoint(cell.left() + 4 + (cell.width() - 8) * (2 * number - 1) / 10, cell.center().y());
+    };
+    const int before = filled(2);
+    QTest::mouseClick(list().viewport(), Qt::LeftButton, {}, star(1, 3));
+    QTest::mouseClick(list().viewport(), Qt::LeftButton, {}, star(2, 5));
+    list().clearSelection();
+    EXPECT_GT(filled(2), filled(1));
+    EXPECT_GT(filled(1), before);
+    screenshot(u"stars"_s);
+    QTest::mouseClick(list().viewport(), Qt::LeftButton, {}, star(2, 5));
+    list().clearSelection();
+    EXPECT_EQ(filled(2), before) << "the last star that is set takes the rating away";
+    ASSERT_TRUE(window->saveNow());
+    QueryDatabaseEngine engine({home, clock, pauser, files, center, nullptr, {}}, QueryDatabaseEngine::AtEnd::Discard);
+    const ResultList results = engine.queryForUUID(pond)->snapshot().fields._currentResult.value_or(ResultList());
+    qint64 sum = 0;
+    for (const ResultRecord& each : results)
+        sum += each.rating().value_or(0);
+    EXPECT_EQ(sum, 3);
+}
+
+TEST_F(MainWindowTest, WhatAnotherProgramWritesAppearsWithoutLosingThePlace)
+{
+    openAt(pond);
+    window->treePane().expandAll();
+    list().selectRow(30);
+    list().selectionModel()->select(list().model()->index(33, 0),
+                                    QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    const QString chosen = current();
+    list().verticalScrollBar()->setValue(25);
+    change([this](QueryDatabaseEngine& database) {
+        database.addQuery(u"stones"_s, false);
+        database.queryForUUID(pond)->restoreResults({result(u"aged"_s, 700000000.0)}, {});
+    });
+    ASSERT_TRUE(happens([this] { return list().model()->rowCount() == 61; }));
+    EXPECT_EQ(current(), chosen);
+    EXPECT_EQ(list().selectionModel()->selectedRows().size(), 2);
+    EXPECT_EQ(list().verticalScrollBar()->value(), 25);
+    EXPECT_EQ(window->treePane().currentUuid(), pond);
+    EXPECT_TRUE(treeRow(u"pond"_s).isValid()) << "its folder is still open";
+    EXPECT_TRUE(treeRow(u"stones"_s).isValid());
+}
+
+TEST_F(MainWindowTest, NodesAreDraggedIntoFoldersAndBack)
+{
+    open();
+    window->treePane().expandAll();
+    drag(onScreen(treeRow(u"bread"_s).center()), onScreen(treeRow(u"Garden"_s).center()));
+    ASSERT_TRUE(happens([this] { return window->tree().node(garden)->numberOfChilds() == 2; }));
+    // Just above the first row: the top level.
+    drag(onScreen(treeRow(u"pond"_s).center()), onScreen(treeRow(u"Garden"_s).topLeft() + QPoint(60, 1)));
+    ASSERT_TRUE(happens([this] { return window->tree().root()->numberOfChilds() == 2; }));
+    EXPECT_EQ(window->treePane().model()->index(0, 0).data().toString(), u"pond"_s);
+    ASSERT_TRUE(window->saveNow());
+    EXPECT_EQ(child(u"bread"_s, garden), bread);
+    EXPECT_EQ(child(u"pond"_s), pond);
+    QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier);
+    QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier);
+    ASSERT_TRUE(window->saveNow());
+    EXPECT_EQ(child(u"bread"_s), bread);
+    EXPECT_EQ(child(u"pond"_s, garden), pond);
+}
+
+TEST_F(MainWindowTest, HiddenResultsAreShownOnRequestAndComeBack)
+{
+    openAt(pond);
+    list().selectRow(0);
+    QTest::keyClick(&list(), Qt::Key_Down, Qt::ShiftModifier);
+    QTest::keyClick(&list(), Qt::Key_Delete);
+    EXPECT_EQ(list().model()->rowCount(), 58);
+    QToolButton* hidden = nullptr;
+    for (QToolButton* const button : window->resultsPane().findChildren<QToolButton*>())
+        hidden = button->isCheckable() ? button : hidden;
+    ASSERT_TRUE(hidden);
+    QTest::mouseClick(hidden, Qt::LeftButton);
+    EXPECT_EQ(shownTitles(), (QStringList{u"r60"_s, u"r59"_s}));
+    EXPECT_FALSE(window->actions().hideResult->isVisible());
+    list().selectAll();
+    window->actions().showAgain->trigger();
+    EXPECT_EQ(list().model()->rowCount(), 0);
+    QTest::mouseClick(hidden, Qt::LeftButton);
+    EXPECT_EQ(list().model()->rowCount(), 60);
+}
+
+TEST_F(MainWindowTest, TheMenuKeyOffersTheCommandsOfANode)
+{
+    openAt(pond);
+    list().selectRow(0);
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, {20, 20}, window->treePane().mapToGlobal(QPoint(20, 20)));
+    QApplication::sendEvent(window->treePane().viewport(), &event);
+    const auto menu = [] { return qobject_cast<QMenu*>(QApplication::activePopupWidget()); };
+    ASSERT_TRUE(happens([&menu] { return menu() && menu()->windowHandle()->isExposed(); }));
+    QTest::qWait(0);
+    EXPECT_TRUE(menu()->actions().contains(window->actions().renameNode));
+    screenshot(u"context-menu"_s);
+    menu()->close();
+}
+
+TEST_F(MainWindowTest, TheNextWindowIsAsTheLastOneWasLeft)
+{
+    open();
+    window->resize(900, 650);
+    clickTree(u"Garden"_s);
+    QTest::keyClick(&window->treePane(), Qt::Key_Right);
+    clickTree(u"pond"_s);
+    window->resultsPane().setOrder(6);
+    QTest::qWait(0);
+    const QSize size = window->size();
+    const int order = window->resultsPane().order();
+    ASSERT_TRUE(window->close());
+    window.reset();
+    open();
+    EXPECT_EQ(window->size(), size);
+    EXPECT_EQ(window->treePane().currentUuid(), pond);
+    EXPECT_TRUE(treeRow(u"pond"_s).isValid());
+    EXPECT_EQ(window->resultsPane().order(), order);
+}
+
+TEST_F(MainWindowTest, OnADarkDesktopEverythingCanBeRead)
+{
+    const QPalette before = QApplication::palette();
+    QPalette dark(QColor(53, 53, 53), QColor(42, 42, 42));
+    dark.setColor(QPalette::WindowText, Qt::white);
+    dark.setColor(QPalette::Base, QColor(30, 30, 30));
+    dark.setColor(QPalette::Text, QColor(235, 235, 235));
+    dark.setColor(QPalette::ButtonText, Qt::white);
+    dark.setColor(QPalette::Highlight, QColor(61, 142, 201));
+    dark.setColor(QPalette::HighlightedText, Qt::white);
+    dark.setColor(QPalette::Link, QColor(122, 184, 245));
+    QApplication::setPalette(dark);
+    openAt(pond);
+    list().selectRow(3);
+    const QRect unread = list().visualRect(list().model()->index(1, 0));
+    const QImage row = seen(*list().viewport(), unread);
+    EXPECT_GT(pixelsLike(QColor(30, 30, 30), row), row.width() * row.height() / 2);
+    EXPECT_GT(pixelsLike(QColor(235, 235, 235), row, {}, 20), 10);
+    screenshot(u"main-window-dark"_s);
+    QApplication::setPalette(before);
+}
+
+} // namespace
+} // namespace quarry::test

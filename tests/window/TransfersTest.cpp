@@ -1,0 +1,138 @@
+#include "engines/SearchServicesFile.h"
+#include "exchange/Imports.h"
+#include "support/LoopbackServer.h"
+#include "window/NodeTransfers.h"
+#include "window/NoticeBar.h"
+#include "window/WindowActions.h"
+#include "window/WindowRig.h"
+
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressDialog>
+#include <QPushButton>
+
+using namespace quarry;
+using namespace quarry::test;
+
+namespace {
+
+const QString Bread = QStringLiteral("bread");
+
+/// Every text that the notice shows.
+QString notice(WindowRig& rig)
+{
+    QString text;
+    const QList<QLabel*> labels = rig.window->findChild<NoticeBar*>()->findChildren<QLabel*>();
+    for (const QLabel* const label : labels)
+        text += label->isVisible() ? label->text() : QString();
+    return text;
+}
+
+QStringList names(const QString& folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+TEST(TransfersTest, AnExportGoesWhereTheDialogSaysAndNeverIntoTheDatabasesFolder)
+{
+    WindowRig rig([](const QueryCorePtr& root) { root->addChild(QueryCore::initWithQuery(Bread)); });
+    rig.select(Bread);
+    const auto exportTo = [&](const QString& file) {
+        rig.window->actions().exportNode->trigger();
+        auto* const dialog = qobject_cast<QFileDialog*>(rig.sheet());
+        auto* const name = dialog->findChild<QLineEdit*>();
+        EXPECT_EQ(name->text().section(u'/', -1), Bread) << "a name is suggested";
+        name->setText(file);
+        QTest::keyClick(name, Qt::Key_Return);
+    };
+    const QString file = rig.home().path() + QStringLiteral("/kept.qsexport");
+    exportTo(file);
+    ASSERT_TRUE(happens([&] { return notice(rig).contains(QLatin1String("kept.qsexport")); }));
+    const ImportedForest forest = readImport(contentOf(file), QString());
+    EXPECT_EQ(forest.fault, QString());
+
+    exportTo(rig.home().supportFolder() + QStringLiteral("/Database.csv"));
+    ASSERT_TRUE(happens([&] { return notice(rig).contains(QLatin1String("Nothing was exported")); }));
+    EXPECT_FALSE(QFile::exists(rig.home().supportFolder() + QStringLiteral("/Database.csv")));
+}
+
+/// A server whose second page does not come before it is let go.
+class OfflineTest : public testing::Test {
+protected:
+    OfflineTest()
+        : server([this](const QByteArray& head, const LoopbackServer::Send& send) {
+              if (head.startsWith("GET /slow")) {
+                  isHeld = true;
+                  server.waitForClient();
+              } else {
+                  send(LoopbackServer::reply("<p>Where the <b>bread</b> is.</p>"));
+              }
+          }),
+          rig([this](const QueryCorePtr& root) { fill(root); })
+    {
+        const QString origin = QString::fromLatin1(server.address(""));
+        EXPECT_EQ(SearchServicesFile(rig.home(), rig.files()).reachAllAt(origin), QString());
+        rig.select(Bread);
+    }
+    void fill(const QueryCorePtr& root)
+    {
+        const auto result = [this](const char* path, const char* name) {
+            return resultAt(QString::fromLatin1(server.address(path)))
+                .withEngineId(QStringLiteral("1"))
+                .withLinkUuid(QString::fromLatin1(name));
+        };
+        const QueryCorePtr bread = QueryCore::initWithQuery(Bread);
+        root->addChild(bread);
+        bread->restoreResults({result("/a", "A"), result("/b", "B")}, {});
+        const QueryCorePtr slow = QueryCore::initWithQuery(QStringLiteral("slow"));
+        root->addChild(slow);
+        slow->restoreResults({result("/slow", "S"), result("/c", "C")}, {});
+    }
+    NodeTransfers& transfers() { return *rig.window->findChild<NodeTransfers*>(); }
+
+    std::atomic<bool> isHeld = false;
+    LoopbackServer server;
+    WindowRig rig;
+    QString folder = rig.home().path() + QStringLiteral("/Reading");
+};
+
+TEST_F(OfflineTest, PagesAreCopiedAndCounted)
+{
+    transfers().copyTo(rig.node(Bread)->UUID(), folder);
+    ASSERT_TRUE(happens([&] { return !transfers().isCopying(); }));
+    EXPECT_TRUE(notice(rig).contains(QLatin1String("Queries copied: 1, pages: 2"))) << notice(rig).toStdString();
+    const QString copy = folder + u'/' + rig.node(Bread)->UUID();
+    EXPECT_EQ(contentOf(copy + QStringLiteral("/A")), "Where the bread is.");
+    EXPECT_EQ(names(copy).size(), 2);
+}
+
+TEST_F(OfflineTest, StopBreaksOffAndKeepsNothingUnfinished)
+{
+    transfers().copyTo(QString(), folder); // Everything: the first query is complete by then.
+    ASSERT_TRUE(happens([&] { return isHeld.load(); }));
+    ASSERT_TRUE(happens([&] { return rig.sheet() != nullptr; }));
+    keepPicture(rig.sheet(), QStringLiteral("offline-progress"));
+    QTest::mouseClick(rig.sheet()->findChild<QPushButton*>(), Qt::LeftButton);
+    ASSERT_TRUE(happens([&] { return !transfers().isCopying(); }));
+    EXPECT_EQ(names(folder), QStringList{rig.node(Bread)->UUID()});
+    EXPECT_TRUE(notice(rig).contains(QLatin1String("Stopped"))) << notice(rig).toStdString();
+    keepPicture(rig.window.get(), QStringLiteral("offline-stopped"));
+}
+
+TEST_F(OfflineTest, ClosingTheWindowEndsARunningCopyFirst)
+{
+    transfers().copyTo(rig.node(QStringLiteral("slow"))->UUID(), folder);
+    ASSERT_TRUE(happens([&] { return isHeld.load(); }));
+    bool isClosed = false;
+    QObject::connect(rig.window.get(), &MainWindow::closed, rig.window.get(), [&] {
+        isClosed = true;
+        EXPECT_FALSE(transfers().isCopying());
+    });
+    rig.window->close();
+    EXPECT_TRUE(rig.window->isVisible()) << "it waits for the copy's reply";
+    ASSERT_TRUE(happens([&] { return isClosed; }));
+    EXPECT_EQ(names(folder), QStringList());
+}
+
+} // namespace
