@@ -1,6 +1,7 @@
 #pragma once
 
 #include "agent/AgentParts.h"
+#include "support/DesktopDoubles.h"
 #include "support/ManualTimers.h"
 
 #include <QStringList>
@@ -71,21 +72,6 @@ private:
         return works;
     }
     QStringList& _notes;
-};
-
-class FakeDistributed final : public DistributedNotifications {
-public:
-    void post(const QString& name, const UserInfo& userInfo) override
-    {
-        for (const auto& [observed, observer] : _observers) {
-            if (observed == name)
-                observer(userInfo);
-        }
-    }
-    void addObserver(const QString& name, Observer observer) override { _observers.emplace_back(name, observer); }
-
-private:
-    std::vector<std::pair<QString, Observer>> _observers;
 };
 
 class FakeUserNotifications final : public UserNotificationCenter {

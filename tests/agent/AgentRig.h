@@ -148,7 +148,7 @@ protected:
     ManualTimers timers;
     FakeProcesses processes{notes};
     FakeWorkspace workspace{notes};
-    FakeDistributed distributed;
+    LocalNotifications distributed;
     FakeUserNotifications notifications;
     FakeLoginItems loginItems;
     FakeStatusItem statusItem{notes};

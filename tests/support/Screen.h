@@ -3,8 +3,10 @@
 #include <QApplication>
 #include <QDir>
 #include <QImage>
+#include <QPalette>
 #include <QProcess>
 #include <QScreen>
+#include <QWidget>
 #include <QtCore/qtestsupport_core.h>
 
 namespace quarry {
@@ -24,6 +26,28 @@ inline QImage screenshot(const QString& name = {})
     if (!folder.isEmpty() && !name.isEmpty())
         image.save(QDir(folder).filePath(name + QStringLiteral(".png")));
     return image;
+}
+
+/// With QUARRY_SCREENSHOTS set to a folder, keeps there how a widget looks.
+inline void keepPicture(QWidget* widget, const QString& name)
+{
+    QCoreApplication::processEvents(); // Layouts are made anew from the event loop.
+    if (const QString folder = qEnvironmentVariable("QUARRY_SCREENSHOTS"); !folder.isEmpty())
+        widget->grab().save(QDir(folder).filePath(name + QStringLiteral(".png")));
+}
+
+/// The colors of a dark desktop.
+inline QPalette darkPalette()
+{
+    QPalette dark(QColor(53, 53, 53), QColor(42, 42, 42));
+    dark.setColor(QPalette::WindowText, Qt::white);
+    dark.setColor(QPalette::Base, QColor(30, 30, 30));
+    dark.setColor(QPalette::Text, QColor(235, 235, 235));
+    dark.setColor(QPalette::ButtonText, Qt::white);
+    dark.setColor(QPalette::Highlight, QColor(61, 142, 201));
+    dark.setColor(QPalette::HighlightedText, Qt::white);
+    dark.setColor(QPalette::Link, QColor(122, 184, 245));
+    return dark;
 }
 
 /// How many pixels of an image, or of a part of it, are that color, give or take a little of each part.

@@ -93,19 +93,6 @@ public:
     bool warnAgain = true;
 };
 
-/// Notes what is posted; delivers nothing.
-class PostedNotifications final : public DistributedNotifications {
-public:
-    void post(const QString& name, const UserInfo& userInfo) override
-    {
-        names.append(name);
-        last = userInfo;
-    }
-    void addObserver(const QString&, Observer) override {}
-    QStringList names;
-    UserInfo last;
-};
-
 /// A loader of checks that answers from a function; noted as stopped or not.
 class FakeUpdateLoader final : public UpdateLoader {
 public:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/DesktopDoubles.h"
 #include "support/EagerTimers.h"
 #include "support/ScriptServer.h"
 #include "support/SettableClock.h"
@@ -14,27 +15,6 @@
 #include <QTemporaryDir>
 
 namespace quarry::test {
-
-/// Notes what the desktop is asked for.
-class NotedWorkspace final : public Workspace {
-public:
-    bool openBundle(const QString& path) override
-    {
-        opened.append(path);
-        return true;
-    }
-    bool openFile(const QString&, const QString&) override { return false; }
-    bool openAddress(const QString& address) override
-    {
-        addresses.append(address);
-        return true;
-    }
-    bool launch(const QString&, const QStringList&) override { return false; }
-    bool moveToTrash(const QString&) override { return false; }
-
-    QStringList opened;
-    QStringList addresses;
-};
 
 /// The real files, until they are told to fail.
 class FailingBundleFiles final : public BundleFiles {
@@ -176,12 +156,12 @@ public:
     ScriptServer server;
     SettableClock clock;
     EagerTimers events;
-    PostedNotifications notifications;
+    LocalNotifications notifications;
     FakeUpdaterDefaults defaults;
     FakeAlerts alerts;
     StringTable texts;
     FakeUpdaterWindow::Notes window;
-    NotedWorkspace workspace;
+    NotingWorkspace workspace;
     FailingBundleFiles files;
     bool terminated = false;
     std::optional<UpdateInstallation::End> end;

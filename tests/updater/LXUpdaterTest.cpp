@@ -1,5 +1,6 @@
 #include "updater/LXUpdater.h"
 
+#include "support/DesktopDoubles.h"
 #include "support/FakePageLoader.h"
 #include "support/ManualTimers.h"
 #include "support/QtPrinting.h"
@@ -63,7 +64,7 @@ struct LXUpdaterTest : testing::Test {
 
     ProductInfo product;
     SettableClock clock;
-    PostedNotifications notifications;
+    LocalNotifications notifications;
     FakeUpdaterDefaults defaults;
     FakeAlerts alerts;
     StringTable texts;

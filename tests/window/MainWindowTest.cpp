@@ -1,4 +1,4 @@
-#include "MainWindowRig.h"
+#include "WindowRig.h"
 
 #include <QClipboard>
 #include <QMenu>
@@ -77,7 +77,7 @@ TEST_F(MainWindowTest, KeysWorkThroughTheResultsAndUndoTakesEachBack)
     QTest::keyClick(&list(), Qt::Key_4);
     EXPECT_GT(filled(list().currentIndex().row()), 0);
     QTest::keyClick(&list(), Qt::Key_Return);
-    EXPECT_EQ(workspace.opened, QStringList{u"http://r58.example/page"_s});
+    EXPECT_EQ(workspace.addresses, QStringList{u"http://r58.example/page"_s});
     QTest::keyClick(&list(), Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QApplication::clipboard()->text(), u"http://r58.example/page"_s);
     QTest::keyClick(&list(), Qt::Key_X);
@@ -136,8 +136,8 @@ TEST_F(MainWindowTest, StarsAreClickedAndKept)
     list().clearSelection();
     EXPECT_EQ(filled(2), before) << "the last star that is set takes the rating away";
     ASSERT_TRUE(window->saveNow());
-    QueryDatabaseEngine engine({home, clock, pauser, files, center, nullptr, {}}, QueryDatabaseEngine::AtEnd::Discard);
-    const ResultList results = engine.queryForUUID(pond)->snapshot().fields._currentResult.value_or(ResultList());
+    const ResultList results =
+        openDatabase()->queryForUUID(pond)->snapshot().fields._currentResult.value_or(ResultList());
     qint64 sum = 0;
     for (const ResultRecord& each : results)
         sum += each.rating().value_or(0);
@@ -153,7 +153,7 @@ TEST_F(MainWindowTest, WhatAnotherProgramWritesAppearsWithoutLosingThePlace)
                                     QItemSelectionModel::Select | QItemSelectionModel::Rows);
     const QString chosen = current();
     list().verticalScrollBar()->setValue(25);
-    change([this](QueryDatabaseEngine& database) {
+    edit([this](QueryDatabaseEngine& database) {
         database.addQuery(u"stones"_s, false);
         database.queryForUUID(pond)->restoreResults({result(u"aged"_s, 700000000.0)}, {});
     });
@@ -244,15 +244,7 @@ TEST_F(MainWindowTest, TheNextWindowIsAsTheLastOneWasLeft)
 TEST_F(MainWindowTest, OnADarkDesktopEverythingCanBeRead)
 {
     const QPalette before = QApplication::palette();
-    QPalette dark(QColor(53, 53, 53), QColor(42, 42, 42));
-    dark.setColor(QPalette::WindowText, Qt::white);
-    dark.setColor(QPalette::Base, QColor(30, 30, 30));
-    dark.setColor(QPalette::Text, QColor(235, 235, 235));
-    dark.setColor(QPalette::ButtonText, Qt::white);
-    dark.setColor(QPalette::Highlight, QColor(61, 142, 201));
-    dark.setColor(QPalette::HighlightedText, Qt::white);
-    dark.setColor(QPalette::Link, QColor(122, 184, 245));
-    QApplication::setPalette(dark);
+    QApplication::setPalette(darkPalette());
     openAt(pond);
     list().selectRow(3);
     const QRect unread = list().visualRect(list().model()->index(1, 0));

@@ -42,7 +42,7 @@ TEST(PreferencesTest, WhatIsChangedIsWrittenForEveryProgramOfTheProduct)
     ok->click();
     ASSERT_TRUE(happens([&] { return isAccepted; }));
 
-    const ProductSettings settings = ProductSettings::read(rig.home(), rig.files(), Date(0));
+    const ProductSettings settings = ProductSettings::read(rig.home, rig.files, Date(0));
     EXPECT_TRUE(settings.automatic);
     EXPECT_EQ(settings.minutes, 45);
     EXPECT_FALSE(settings.checkForUpdates);
@@ -58,23 +58,23 @@ TEST(PreferencesTest, WhatIsChangedIsWrittenForEveryProgramOfTheProduct)
 TEST(PreferencesTest, WhatOtherProgramsChangedMeanwhileStays)
 {
     WindowRig rig;
-    const ProductSettings before = ProductSettings::read(rig.home(), rig.files(), Date(0));
+    const ProductSettings before = ProductSettings::read(rig.home, rig.files, Date(0));
     ProductSettings elsewhere = before;
     elsewhere.minutes = 90;
     elsewhere.services[SearchService::Yahoo].address = QStringLiteral("https://mirror.example");
-    ASSERT_EQ(saveSettings(elsewhere, before, rig.home(), rig.files()), QString());
+    ASSERT_EQ(saveSettings(elsewhere, before, rig.home, rig.files), QString());
     ProductSettings here = before;
     here.services[SearchService::Bing].isAsked = false;
-    ASSERT_EQ(saveSettings(here, before, rig.home(), rig.files()), QString());
-    const ProductSettings now = ProductSettings::read(rig.home(), rig.files(), Date(0));
+    ASSERT_EQ(saveSettings(here, before, rig.home, rig.files), QString());
+    const ProductSettings now = ProductSettings::read(rig.home, rig.files, Date(0));
     EXPECT_EQ(now.minutes, 90);
     EXPECT_EQ(now.services.value(SearchService::Yahoo).address, QStringLiteral("https://mirror.example"));
     EXPECT_FALSE(now.services.value(SearchService::Bing).isAsked);
     // Back to the public address.
     ProductSettings reset = now;
     reset.services[SearchService::Yahoo].address.clear();
-    ASSERT_EQ(saveSettings(reset, now, rig.home(), rig.files()), QString());
-    EXPECT_EQ(ProductSettings::read(rig.home(), rig.files(), Date(0)).services, reset.services);
+    ASSERT_EQ(saveSettings(reset, now, rig.home, rig.files), QString());
+    EXPECT_EQ(ProductSettings::read(rig.home, rig.files, Date(0)).services, reset.services);
 }
 
 } // namespace

@@ -46,15 +46,15 @@ TEST(TransfersTest, AnExportGoesWhereTheDialogSaysAndNeverIntoTheDatabasesFolder
         name->setText(file);
         QTest::keyClick(name, Qt::Key_Return);
     };
-    const QString file = rig.home().path() + QStringLiteral("/kept.qsexport");
+    const QString file = rig.home.path() + QStringLiteral("/kept.qsexport");
     exportTo(file);
     ASSERT_TRUE(happens([&] { return notice(rig).contains(QLatin1String("kept.qsexport")); }));
     const ImportedForest forest = readImport(contentOf(file), QString());
     EXPECT_EQ(forest.fault, QString());
 
-    exportTo(rig.home().supportFolder() + QStringLiteral("/Database.csv"));
+    exportTo(rig.home->supportFolder() + QStringLiteral("/Database.csv"));
     ASSERT_TRUE(happens([&] { return notice(rig).contains(QLatin1String("Nothing was exported")); }));
-    EXPECT_FALSE(QFile::exists(rig.home().supportFolder() + QStringLiteral("/Database.csv")));
+    EXPECT_FALSE(QFile::exists(rig.home->supportFolder() + QStringLiteral("/Database.csv")));
 }
 
 /// A server whose second page does not come before it is let go.
@@ -72,7 +72,7 @@ protected:
           rig([this](const QueryCorePtr& root) { fill(root); })
     {
         const QString origin = QString::fromLatin1(server.address(""));
-        EXPECT_EQ(SearchServicesFile(rig.home(), rig.files()).reachAllAt(origin), QString());
+        EXPECT_EQ(SearchServicesFile(rig.home, rig.files).reachAllAt(origin), QString());
         rig.select(Bread);
     }
     void fill(const QueryCorePtr& root)
@@ -94,7 +94,7 @@ protected:
     std::atomic<bool> isHeld = false;
     LoopbackServer server;
     WindowRig rig;
-    QString folder = rig.home().path() + QStringLiteral("/Reading");
+    QString folder = rig.home.path() + QStringLiteral("/Reading");
 };
 
 TEST_F(OfflineTest, PagesAreCopiedAndCounted)

@@ -1,4 +1,4 @@
-#include "MainWindowRig.h"
+#include "WindowRig.h"
 #include "database/Schedule.h"
 #include "engines/SearchServices.h"
 

@@ -1,24 +1,20 @@
 #pragma once
 
-#include "archive/StringTable.h"
-#include "model/QueryCore.h"
-#include "platform/DistributedNotifications.h"
 #include "platform/QtEventTimers.h"
-#include "platform/Workspace.h"
+#include "support/DesktopDoubles.h"
+#include "support/OwnDatabase.h"
 #include "support/QtPrinting.h"
-#include "support/RecordingPauser.h"
 #include "support/Screen.h"
-#include "support/SettableClock.h"
-#include "support/TemporaryHome.h"
 #include "window/MainWindow.h"
+#include "window/ResultsPane.h"
 #include "window/TreePane.h"
 
 #include <QDialog>
+#include <QLineEdit>
+#include <QTableView>
 #include <QTest>
+#include <QWindow>
 
-#include <gtest/gtest.h>
-
-// The whole window over a home folder of its own, as a user has it; only the desktop around it is made up.
 namespace quarry::test {
 
 /// The texts as users get them, in the language ("en", "fr", "de").
@@ -32,58 +28,43 @@ inline ResultRecord resultAt(const QString& address)
     return ResultRecord().withTitle(address).withLinkUuid(address).withVisible(true).withUrl(*Url::fromText(address));
 }
 
-class QuietWorkspace final : public Workspace {
-public:
-    bool openBundle(const QString&) override { return true; }
-    bool openFile(const QString&, const QString&) override { return true; }
-    bool openAddress(const QString&) override { return true; }
-    bool launch(const QString&, const QStringList&) override { return true; }
-    bool moveToTrash(const QString&) override { return true; }
-};
-
-class QuietDistributed final : public DistributedNotifications {
-public:
-    void post(const QString&, const UserInfo&) override {}
-    void addObserver(const QString&, Observer) override {}
-};
-
-/// Keeps how a widget looks, with QUARRY_SCREENSHOTS set to a folder.
-inline void keepPicture(QWidget* widget, const QString& name)
+/// Found at "http://NAME.example/page".
+inline ResultRecord result(const QString& name, double found)
 {
-    QCoreApplication::processEvents(); // Layouts are made anew from the event loop.
-    if (const QString folder = qEnvironmentVariable("QUARRY_SCREENSHOTS"); !folder.isEmpty())
-        widget->grab().save(QDir(folder).filePath(name + QStringLiteral(".png")));
+    return resultAt(QStringLiteral("http://%1.example/page").arg(name))
+        .withTitle(name)
+        .withLinkUuid(name)
+        .withEngineId(QStringLiteral("5"))
+        .withDateOfFind(Date(found));
 }
 
-class WindowRig {
+/// The whole window over a home folder of its own, as a user has it, once it is opened; only the desktop around it is
+/// made up.
+class WindowDesk : public OwnDatabase {
 public:
-    /// Fills the database before the window opens.
-    explicit WindowRig(const std::function<void(const QueryCorePtr& root)>& fill = {})
+    /// Opens the window and waits until it shows the tree.
+    MainWindow& open()
     {
-        if (fill) {
-            QueryDatabaseEngine engine({_home, _clock, _pauser, _files, _notifications, nullptr, {}},
-                                       QueryDatabaseEngine::AtEnd::Discard);
-            const QString error = engine.edit([&](QueryDatabaseEngine& database) {
-                fill(database.currentRoot());
-                return QString();
-            });
-            EXPECT_EQ(error, QString());
-        }
         window = std::make_unique<MainWindow>(
-            WindowParts{{_home, _clock, _pauser, _files, _notifications, _timers},
-                        _workspace,
-                        _distributed,
+            WindowParts{{home, clock, pauser, files, notifications, timers},
+                        workspace,
+                        distributed,
                         texts,
-                        QString(),
+                        updater,
                         [this](bool automatic, qint64 minutes) {
-                            followed.append(QStringLiteral("%1 every %2")
-                                                .arg(automatic ? QStringLiteral("on") : QStringLiteral("off"))
-                                                .arg(minutes));
+                            followed.append((automatic ? QStringLiteral("on every ") : QStringLiteral("off every ")) +
+                                            QString::number(minutes));
                         }});
+        window->move(0, 0);
         window->show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+        // Without a window manager nobody gives it the keys.
+        window->activateWindow();
+        window->windowHandle()->requestActivate();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window.get(), 10000));
         EXPECT_TRUE(happens([this] { return window->tree().safety() != LiveTree::Safety::Loading; }));
+        return *window;
     }
-
     /// The sheet that is open, once there is one.
     [[nodiscard]] QDialog* sheet()
     {
@@ -112,15 +93,15 @@ public:
     [[nodiscard]] QueryCorePtr stored(const QString& title)
     {
         EXPECT_TRUE(window->tree().flush());
-        _reader = std::make_unique<QueryDatabaseEngine>(
-            QueryDatabaseEngine::Parts{_home, _clock, _pauser, _files, _notifications, nullptr, {}},
-            QueryDatabaseEngine::AtEnd::Discard);
+        _reader = openDatabase();
         return find(_reader->currentRoot(), title);
     }
 
+    QtEventTimers timers;
+    NotingWorkspace workspace;
+    LocalNotifications distributed;
     const StringTable texts = windowTexts();
-    [[nodiscard]] const HomeFolder& home() const { return _home; }
-    [[nodiscard]] FileStore& files() { return _files; }
+    QString updater;
     QStringList followed; ///< What the agent was told about the schedule.
 
 private:
@@ -136,18 +117,94 @@ private:
         return nullptr;
     }
 
-    TemporaryHome _home;
-    SettableClock _clock;
-    RecordingPauser _pauser;
-    DiskFileStore _files;
-    NotificationCenter _notifications;
-    QtEventTimers _timers;
-    QuietWorkspace _workspace;
-    QuietDistributed _distributed;
     std::unique_ptr<QueryDatabaseEngine> _reader;
 
 public:
     std::unique_ptr<MainWindow> window; ///< Last: it goes first.
+};
+
+/// The window, opened over a database that was filled before.
+class WindowRig : public WindowDesk {
+public:
+    explicit WindowRig(const std::function<void(const QueryCorePtr& root)>& fill = {})
+    {
+        if (fill)
+            edit([&fill](Engine& database) { fill(database.currentRoot()); });
+        open();
+    }
+};
+
+/// A window over a database with the folder "Garden" ("pond" with the results r1 to r60 in it, newest first r60), and
+/// "bread" beside it, on the screen of the test.
+class WindowTest : public testing::Test, protected WindowDesk {
+protected:
+    void makeDatabase()
+    {
+        edit([this](Engine& database) {
+            const QueryCorePtr folder = database.addQuery(QStringLiteral("Garden"), true);
+            const QueryCorePtr query = QueryCore::initWithQuery(QStringLiteral("pond"));
+            folder->addChild(query);
+            ResultList results;
+            for (int i = 1; i <= 60; ++i)
+                results.append(result(QStringLiteral("r%1").arg(i), 800000000.0 + i * 100000.0));
+            query->restoreResults(results, {});
+            garden = folder->UUID();
+            pond = query->UUID();
+            bread = database.addQuery(QStringLiteral("bread"), false)->UUID();
+        });
+    }
+    MainWindow& openAt(const QString& uuid)
+    {
+        open().treePane().select(uuid);
+        list().setFocus();
+        return *window;
+    }
+    QTableView& list() { return window->resultsPane().list(); }
+    /// A click on the middle of a row of the tree.
+    void clickTree(const QString& title)
+    {
+        QTest::mouseClick(window->treePane().viewport(), Qt::LeftButton, {}, treeRow(title).center());
+    }
+    QRect treeRow(const QString& title)
+    {
+        const QModelIndexList found = window->treePane().model()->match(
+            window->treePane().model()->index(0, 0), Qt::DisplayRole, title, 1, Qt::MatchExactly | Qt::MatchRecursive);
+        return found.isEmpty() ? QRect() : window->treePane().visualRect(found.constFirst());
+    }
+    /// The titles that the list shows on the screen, from the top.
+    QStringList shownTitles()
+    {
+        QStringList titles;
+        for (int row = std::max(0, list().rowAt(0)); row < list().model()->rowCount(); ++row) {
+            if (list().rowViewportPosition(row) < list().viewport()->height())
+                titles.append(list().model()->index(row, 0).data().toString());
+        }
+        return titles;
+    }
+    QString current() { return list().currentIndex().siblingAtColumn(0).data().toString(); }
+    /// What is on the screen in that part of a widget.
+    static QImage seen(const QWidget& widget, const QRect& part)
+    {
+        QTest::qWait(0);
+        QApplication::processEvents();
+        return const_cast<QWidget&>(widget).grab(part).toImage();
+    }
+    /// The UUID of a folder's child in the file.
+    QString child(const QString& name, const QString& folder = {})
+    {
+        const std::unique_ptr<Engine> engine = openDatabase();
+        const QueryCorePtr parent = folder.isEmpty() ? engine->currentRoot() : engine->queryForUUID(folder);
+        const QList<QueryCorePtr> childs = parent->childs().value_or(QList<QueryCorePtr>());
+        for (const QueryCorePtr& each : childs) {
+            if (each->title() == name)
+                return each->UUID();
+        }
+        return {};
+    }
+
+    QString garden;
+    QString pond;
+    QString bread;
 };
 
 } // namespace quarry::test

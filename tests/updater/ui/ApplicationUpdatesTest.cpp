@@ -23,50 +23,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-class Workspaces final : public Workspace {
-public:
-    bool openBundle(const QString& path) override
-    {
-        opened.append(path);
-        return true;
-    }
-    bool openFile(const QString&, const QString&) override { return false; }
-    bool openAddress(const QString& address) override
-    {
-        opened.append(address);
-        return true;
-    }
-    bool launch(const QString& program, const QStringList& arguments) override
-    {
-        opened.append(program + u' ' + arguments.join(u' '));
-        return true;
-    }
-    bool moveToTrash(const QString&) override { return false; }
-
-    QStringList opened;
-};
-
-/// Delivers what is posted at once.
-class DirectNotifications final : public DistributedNotifications {
-public:
-    void post(const QString& name, const UserInfo& userInfo) override
-    {
-        posted.append(name);
-        for (const auto& [observed, observer] : _observers) {
-            if (observed == name)
-                observer(userInfo);
-        }
-    }
-    void addObserver(const QString& name, Observer observer) override
-    {
-        _observers.emplace_back(name, std::move(observer));
-    }
-    QStringList posted;
-
-private:
-    std::vector<std::pair<QString, Observer>> _observers;
-};
-
 /// The main application with version 1, and version 2 on a server.
 class ApplicationUpdatesTest : public ::testing::Test {
 protected:
@@ -158,8 +114,8 @@ protected:
     ScriptServer server;
     SystemClock clock;
     QtEventTimers events;
-    DirectNotifications notifications;
-    Workspaces workspace;
+    LocalNotifications notifications;
+    NotingWorkspace workspace;
     DiskFileStore files;
     StringTable texts = textsWithNotes(server.address("/notes"));
     bool hasQuit = false;
@@ -180,11 +136,11 @@ TEST_F(ApplicationUpdatesTest, TakesUpAnAcceptedOfferAndInstallsIt)
     ASSERT_TRUE(happens([&] { return shownWindow() != nullptr; }));
     auto* const notes = shownWindow()->findChild<QTextBrowser*>(u"releaseNotesView"_s);
     ASSERT_TRUE(happens([&] { return notes->toPlainText().contains(u"feed"_s); }));
-    keepPicture(*shownWindow(), "update-offer");
+    keepPicture(shownWindow(), u"update-offer"_s);
     ASSERT_TRUE(press(u"Install"_s));
     auto* const line = shownWindow()->findChild<QLabel*>(u"progresssTF"_s);
     ASSERT_TRUE(happens([&] { return line->text().contains(u"MB"_s); }));
-    keepPicture(*shownWindow(), "update-progress");
+    keepPicture(shownWindow(), u"update-progress"_s);
     updates->checkForUpdates();
     EXPECT_EQ(server.payloads().size(), 1) << "the window comes to the front instead";
     gate.unlock();
@@ -195,7 +151,7 @@ TEST_F(ApplicationUpdatesTest, TakesUpAnAcceptedOfferAndInstallsIt)
               (QStringList{u"%1/Contents/Agents/QuarrySpotterAgent.app/Contents/bin/RelaunchApp %1 %2"_s.arg(
                                installed, QString::number(QCoreApplication::applicationPid())),
                            installed + u"/Contents/Agents/QuarrySpotterAgent.app"_s}));
-    EXPECT_EQ(notifications.posted, QStringList{u"QUIT_EVERYBODY_NOTIFICATION QS1"_s});
+    EXPECT_EQ(notifications.names, QStringList{u"QUIT_EVERYBODY_NOTIFICATION QS1"_s});
     EXPECT_EQ(InstallRig::namesIn(home.path() + u"/Downloads"_s), QStringList());
 }
 
@@ -209,11 +165,11 @@ TEST_F(ApplicationUpdatesTest, LeavesEverythingAsItWasWhenCancelledAtHalf)
     ASSERT_TRUE(happens([&] { return shownWindow() != nullptr; }));
     auto* const notes = shownWindow()->findChild<QTextBrowser*>(u"releaseNotesView"_s);
     ASSERT_TRUE(happens([&] { return notes->toPlainText().contains(u"feed"_s); }));
-    keepPicture(*shownWindow(), "update-offer-dark");
+    keepPicture(shownWindow(), u"update-offer-dark"_s);
     ASSERT_TRUE(press(u"Install"_s));
     auto* const line = shownWindow()->findChild<QLabel*>(u"progresssTF"_s);
     ASSERT_TRUE(happens([&] { return line->text().contains(u"MB"_s); }));
-    keepPicture(*shownWindow(), "update-progress-dark");
+    keepPicture(shownWindow(), u"update-progress-dark"_s);
     ASSERT_TRUE(press(u"Cancel"_s));
     EXPECT_EQ(shownWindow(), nullptr);
     gate.unlock();

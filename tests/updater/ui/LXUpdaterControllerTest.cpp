@@ -2,6 +2,7 @@
 
 #include "UpdaterScreen.h"
 #include "platform/QtEventTimers.h"
+#include "support/DesktopDoubles.h"
 #include "support/FakePageLoader.h"
 #include "support/QtPrinting.h"
 #include "support/SettableClock.h"
@@ -59,7 +60,7 @@ protected:
 
     SettableClock clock;
     QtEventTimers events;
-    PostedNotifications notifications;
+    LocalNotifications notifications;
     FakeUpdaterDefaults defaults;
     FakeAlerts alerts;
     StringTable texts;
@@ -92,7 +93,7 @@ TEST_F(ControllerTest, OffersBothVersionsAndNotesThatFoldAway)
     EXPECT_TRUE(view->isVisible());
     EXPECT_FALSE(view->toPlainText().contains(u"Sans"_s));
 
-    keepPicture(window.window(), "update-window");
+    keepPicture(&window.window(), u"update-window"_s);
     const int unfolded = window.window().height();
     auto* const disclosure = named<QToolButton>("disclosureButton");
     disclosure->setFocus();

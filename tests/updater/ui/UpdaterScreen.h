@@ -8,8 +8,6 @@
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
-#include <QIcon>
-#include <QPalette>
 #include <QStyle>
 #include <QStyleFactory>
 
@@ -31,21 +29,7 @@ inline StringTable textsWithNotes(const QByteArray& address)
 inline void setDark(bool isDark)
 {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    QPalette palette = QApplication::style()->standardPalette();
-    if (isDark) {
-        palette = QPalette(QColor(53, 53, 53));
-        palette.setColor(QPalette::Base, QColor(35, 35, 35));
-        palette.setColor(QPalette::Highlight, QColor(61, 125, 202));
-    }
-    QApplication::setPalette(palette);
-}
-
-/// With QUARRY_SCREENSHOTS set to a folder, keeps a picture of the window there.
-inline void keepPicture(QWidget& window, const char* name)
-{
-    const QString folder = qEnvironmentVariable("QUARRY_SCREENSHOTS");
-    if (!folder.isEmpty())
-        window.grab().save(QDir(folder).filePath(QLatin1String(name) + QStringLiteral(".png")));
+    QApplication::setPalette(isDark ? darkPalette() : QApplication::style()->standardPalette());
 }
 
 /// The button with that text in any open window; null when there is none.
