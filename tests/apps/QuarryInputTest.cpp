@@ -1,13 +1,10 @@
 // What people and broken files do to the command line.
 
-#include "support/QuarryProcess.h"
-#include "support/TemporaryHome.h"
+#include "QuarryRig.h"
 
 #include <QDir>
 #include <QDirIterator>
 #include <QJsonArray>
-
-#include <gtest/gtest.h>
 
 using namespace Qt::Literals::StringLiterals;
 

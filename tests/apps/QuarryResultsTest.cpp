@@ -1,24 +1,20 @@
 // Results, listed and changed by real commands over a database that another program wrote.
 
-#include "support/QuarryProcess.h"
-#include "support/TemporaryHome.h"
+#include "QuarryRig.h"
 
 #include <QJsonArray>
-
-#include <gtest/gtest.h>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace quarry::test {
 namespace {
 
-class QuarryResults : public testing::Test {
+class QuarryResults : public QuarryTest {
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(QFile::copy(QStringLiteral(QUARRY_TEST_DATA "/golden/db.qsdata"), _home->databaseFile()));
+        ASSERT_TRUE(QFile::copy(QStringLiteral(QUARRY_TEST_DATA "/golden/db.qsdata"), home->databaseFile()));
     }
-    [[nodiscard]] Ran run(const QStringList& arguments) const { return runQuarry(_home.path(), arguments); }
     /// The titles of what `quarry results` lists.
     [[nodiscard]] QStringList titles(const QStringList& arguments) const
     {
@@ -29,14 +25,13 @@ protected:
         return titles;
     }
 
-    TemporaryHome _home;
     const QString _trains = QStringLiteral("02020202");
     const QString _cafe = QStringLiteral("Café — 日本語 🚂👩‍💻");
 };
 
 TEST_F(QuarryResults, ADatabaseOfAnotherProgramIsListedExactly)
 {
-    EXPECT_EQ(run({u"list"_s}).out, QStringLiteral(R"(UNREAD RESULTS  LAST UPDATE       ID        QUERY
+    EXPECT_EQ(run("list").out, QStringLiteral(R"(UNREAD RESULTS  LAST UPDATE       ID        QUERY
      3       4  2014-01-25 12:27  02020202  Trains & "buses" <b>
      0       0  never             03030303  検索 🔎 C (paused)
      0       0  never             04040404  alpha beta
@@ -115,7 +110,7 @@ TEST_F(QuarryResults, AreMarkedHiddenRatedAndExcluded)
 
 TEST_F(QuarryResults, AWrongNameChangesNothing)
 {
-    const QByteArray before = contentOf(_home->databaseFile());
+    const QByteArray before = contentOf(home->databaseFile());
     const struct {
         QStringList arguments;
         int status;
@@ -138,7 +133,7 @@ TEST_F(QuarryResults, AWrongNameChangesNothing)
         EXPECT_EQ(ran.status, each.status) << each.arguments.join(u' ').toStdString();
         EXPECT_TRUE(ran.err.contains(each.complaint)) << ran.err.toStdString();
     }
-    EXPECT_EQ(contentOf(_home->databaseFile()), before);
+    EXPECT_EQ(contentOf(home->databaseFile()), before);
 }
 
 } // namespace

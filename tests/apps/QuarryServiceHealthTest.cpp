@@ -1,31 +1,23 @@
 // How the services did, as a person sees it after real refreshes: quarry, the updater and servers on loopback.
 
-#include "engines/SearchService.h"
+#include "QuarryRig.h"
 #include "support/LoopbackServer.h"
-#include "support/QuarryProcess.h"
 #include "support/ServicePages.h"
-#include "support/TemporaryHome.h"
 
 #include <QJsonArray>
-
-#include <gtest/gtest.h>
-
-#include <csignal>
-#include <future>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace quarry::test {
 namespace {
 
-class QuarryServiceHealth : public testing::Test {
+class QuarryServiceHealth : public QuarryTest {
 protected:
     QuarryServiceHealth()
     {
-        EXPECT_EQ(run({u"prefs"_s, u"--results-per-service"_s, u"10"_s}).status, 0);
-        EXPECT_EQ(run({u"add"_s, u"starter"_s}).status, 0);
+        EXPECT_EQ(run("prefs --results-per-service 10").status, 0);
+        EXPECT_EQ(run("add starter").status, 0);
     }
-    [[nodiscard]] Ran run(const QStringList& arguments) const { return runQuarry(_home.path(), arguments); }
     void pointAt(const QStringList& services, const QByteArray& address) const
     {
         ASSERT_EQ(
@@ -35,15 +27,13 @@ protected:
     /// "verdict text" of a service in the latest run, as programs get it; empty without any.
     [[nodiscard]] QString health(const QString& name) const
     {
-        for (const QJsonValue service : run({u"services"_s, u"--json"_s}).json()[u"services"].toArray()) {
+        for (const QJsonValue service : run("services --json").json()[u"services"].toArray()) {
             const QJsonObject found = service[u"health"].toObject();
             if (service[u"name"].toString() == name && !found.isEmpty())
                 return found[u"verdict"].toString() + u' ' + found[u"text"].toString();
         }
         return {};
     }
-
-    TemporaryHome _home;
 };
 
 TEST_F(QuarryServiceHealth, EachServiceIsJudgedByARealRefresh)
@@ -59,7 +49,7 @@ TEST_F(QuarryServiceHealth, EachServiceIsJudgedByARealRefresh)
     });
     pointAt({}, server.address());
     pointAt({u"Bing"_s}, "http://127.0.0.1:1");
-    const Ran refresh = run({u"refresh"_s});
+    const Ran refresh = run("refresh");
     EXPECT_EQ(refresh.status, 0) << "what services are like changes nothing in how a refresh ends";
     EXPECT_TRUE(refresh.out.endsWith(u"\nGoogle: blocked (HTTP status 429); Yahoo: layout not recognised; "
                                      "Bing: unreachable (connection refused, or no way to the host); "
@@ -73,13 +63,13 @@ TEST_F(QuarryServiceHealth, EachServiceIsJudgedByARealRefresh)
     EXPECT_EQ(health(u"Bing"_s), u"unreachable unreachable (connection refused, or no way to the host)"_s);
     EXPECT_EQ(health(u"Ixquick"_s), u"none nothing found"_s);
     EXPECT_EQ(health(u"Exalead"_s), QString()) << "it is not read";
-    const QString table = run({u"services"_s}).out;
+    const QString table = run("services").out;
     EXPECT_TRUE(table.contains(u"1 page                blocked (HTTP status 429)\n"_s)) << table.toStdString();
 
     // What was seen at one address says nothing about another.
     pointAt({u"Bing"_s}, server.address());
     EXPECT_EQ(health(u"Bing"_s), QString());
-    const QJsonArray runs = run({u"services"_s, u"--json"_s}).json()[u"runs"].toArray();
+    const QJsonArray runs = run("services --json").json()[u"runs"].toArray();
     ASSERT_EQ(runs.size(), 1);
     EXPECT_EQ(runs[0][u"services"][u"Bing"][u"address"].toString(), u"http://127.0.0.1:1"_s);
     EXPECT_EQ(runs[0][u"services"][u"Google"][u"statuses"].toObject(), (QJsonObject{{u"429"_s, 1}}));
@@ -96,7 +86,7 @@ TEST_F(QuarryServiceHealth, AChallengeThatComesAsAFaultIsSeenAndResultsAreCounte
             send(LoopbackServer::reply(resultPage(service, {u"http://h/"_s + QString::number(int(service))})));
     });
     pointAt({}, server.address());
-    const QJsonObject refresh = run({u"refresh"_s, u"--json"_s}).json();
+    const QJsonObject refresh = run("refresh --json").json();
     ASSERT_EQ(refresh[u"services"].toArray().size(), 4);
     const QJsonObject google = refresh[u"services"].toArray()[0].toObject();
     EXPECT_EQ(google[u"service"].toString() + u' ' + google[u"text"].toString(), u"Google blocked (HTTP status 503)"_s);
@@ -106,33 +96,9 @@ TEST_F(QuarryServiceHealth, AChallengeThatComesAsAFaultIsSeenAndResultsAreCounte
     EXPECT_GT(yahoo[u"bytes"].toInt(), 0);
 
     // Nothing is asked again so soon: the latest run that asked is what is shown.
-    ASSERT_EQ(run({u"refresh"_s}).status, 0);
+    ASSERT_EQ(run("refresh").status, 0);
     EXPECT_EQ(health(u"Google"_s), u"blocked blocked (HTTP status 503)"_s);
-    EXPECT_EQ(run({u"services"_s, u"--json"_s}).json()[u"runs"].toArray().size(), 1);
-}
-
-TEST_F(QuarryServiceHealth, ARefreshThatIsStoppedKeepsWhatItSaw)
-{
-    std::promise<void> asked;
-    std::once_flag once;
-    LoopbackServer* server = nullptr;
-    LoopbackServer hanging([&](const QByteArray& head, const LoopbackServer::Send& send) {
-        if (serviceOf(head.left(head.indexOf('\r'))) == SearchService::Google) {
-            send(LoopbackServer::reply(resultPage(SearchService::Google, {u"http://h/"_s})));
-            return;
-        }
-        std::call_once(once, [&] { asked.set_value(); });
-        server->waitForClient();
-    });
-    server = &hanging;
-    pointAt({}, hanging.address());
-    QuarryProcess refresh(_home.path(), {u"refresh"_s});
-    ASSERT_EQ(asked.get_future().wait_for(std::chrono::seconds(60)), std::future_status::ready);
-    ASSERT_EQ(::kill(static_cast<pid_t>(refresh.process().processId()), SIGINT), 0);
-    EXPECT_EQ(refresh.wait().status, 1);
-    EXPECT_EQ(health(u"Google"_s), u"results results"_s);
-    EXPECT_EQ(health(u"Yahoo"_s), QString()) << "nobody knows what it would have said";
-    EXPECT_TRUE(run({u"services"_s, u"--json"_s}).json()[u"runs"][0][u"stopped"].toBool());
+    EXPECT_EQ(run("services --json").json()[u"runs"].toArray().size(), 1);
 }
 
 } // namespace

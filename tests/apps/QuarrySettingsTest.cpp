@@ -1,16 +1,13 @@
 // Preferences, schedule and services: what commands say is what the files hold, and foreign entries stay.
 
-#include "support/QuarryProcess.h"
-#include "support/TemporaryHome.h"
-
-#include <QJsonArray>
-
-#include <gtest/gtest.h>
+#include "QuarryRig.h"
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace quarry::test {
 namespace {
+
+using QuarrySettings = QuarryTest;
 
 QByteArray plist(const QByteArray& entries)
 {
@@ -26,52 +23,47 @@ QString serviceLine(const Ran& ran, const QString& name)
     return {};
 }
 
-TEST(QuarrySettings, PreferencesAndScheduleKeepForeignEntries)
+TEST_F(QuarrySettings, PreferencesAndScheduleKeepForeignEntries)
 {
-    const TemporaryHome home;
     ASSERT_TRUE(writeFile(home->preferencesFile(), plist("<key>pref_other</key><string>kept</string>")));
-    EXPECT_EQ(
-        runQuarry(home.path(), {u"prefs"_s, u"--results-per-service"_s, u"70"_s, u"--new-links"_s, u"9"_s}).status, 0);
-    const QJsonObject prefs = runQuarry(home.path(), {u"prefs"_s, u"--json"_s}).json();
+    EXPECT_EQ(run("prefs --results-per-service 70 --new-links 9").status, 0);
+    const QJsonObject prefs = run("prefs --json").json();
     EXPECT_EQ(prefs[u"resultsPerService"_s].toInt(), 70);
     EXPECT_EQ(prefs[u"newLinksPerUpdate"_s].toInt(), 9);
     EXPECT_TRUE(contentOf(home->preferencesFile()).contains("pref_other"));
 
     ASSERT_TRUE(writeFile(home->scheduleFile(), plist("<key>pref_other</key><string>kept</string>")));
-    EXPECT_EQ(runQuarry(home.path(), {u"schedule"_s, u"on"_s, u"every"_s, u"45"_s}).status, 0);
-    const QJsonObject schedule = runQuarry(home.path(), {u"schedule"_s, u"--json"_s}).json();
+    EXPECT_EQ(run("schedule on every 45").status, 0);
+    const QJsonObject schedule = run("schedule --json").json();
     EXPECT_TRUE(schedule[u"automatic"_s].toBool());
     EXPECT_EQ(schedule[u"everyMinutes"_s].toInt(), 45);
     EXPECT_TRUE(schedule[u"lastUpdate"_s].isNull());
     EXPECT_TRUE(contentOf(home->scheduleFile()).contains("pref_other"));
 }
 
-TEST(QuarrySettings, ServicesAreSwitchedPointedElsewhereAndReset)
+TEST_F(QuarrySettings, ServicesAreSwitchedPointedElsewhereAndReset)
 {
-    const TemporaryHome home;
-    const Ran publicOnes = runQuarry(home.path(), {u"services"_s});
-    EXPECT_EQ(runQuarry(home.path(), {u"services"_s, u"--at"_s, u"http://127.0.0.1:8642"_s}).status, 0);
-    EXPECT_EQ(runQuarry(home.path(), {u"services"_s, u"google"_s, u"--at"_s, u"https://search.example"_s}).status, 0);
-    const Ran changed = runQuarry(home.path(), {u"services"_s, u"Bing"_s, u"Yahoo"_s, u"--off"_s});
+    const Ran publicOnes = run("services");
+    EXPECT_EQ(run("services --at http://127.0.0.1:8642").status, 0);
+    EXPECT_EQ(run("services google --at https://search.example").status, 0);
+    const Ran changed = run("services Bing Yahoo --off");
     EXPECT_EQ(serviceLine(changed, u"Google"_s), u"Google on https://search.example"_s);
     EXPECT_EQ(serviceLine(changed, u"Bing"_s), u"Bing off http://127.0.0.1:8642"_s);
     EXPECT_EQ(serviceLine(changed, u"Ixquick"_s), u"Ixquick on http://127.0.0.1:8642"_s);
-    EXPECT_EQ(serviceLine(runQuarry(home.path(), {u"services"_s, u"Bing"_s, u"--on"_s}), u"Bing"_s),
-              u"Bing on http://127.0.0.1:8642"_s);
-    EXPECT_EQ(runQuarry(home.path(), {u"services"_s, u"--reset"_s}).out, publicOnes.out);
+    EXPECT_EQ(serviceLine(run("services Bing --on"), u"Bing"_s), u"Bing on http://127.0.0.1:8642"_s);
+    EXPECT_EQ(run("services --reset").out, publicOnes.out);
 }
 
-TEST(QuarrySettings, AServicesFileThatMakesNoSenseIsNamedAndNotBuiltUpon)
+TEST_F(QuarrySettings, AServicesFileThatMakesNoSenseIsNamedAndNotBuiltUpon)
 {
-    const TemporaryHome home;
     const QByteArray faulty = plist("<key>Bing</key><dict><key>port</key><integer>99999</integer></dict>");
     ASSERT_TRUE(writeFile(home->searchServicesFile(), faulty));
-    const Ran shown = runQuarry(home.path(), {u"services"_s});
+    const Ran shown = run("services");
     EXPECT_TRUE(shown.err.contains(u"SearchServices.plist: \"Bing\": \"port\""_s)) << shown.err.toStdString();
     EXPECT_EQ(serviceLine(shown, u"Bing"_s), u"Bing on http://www.bing.com"_s);
-    EXPECT_EQ(runQuarry(home.path(), {u"services"_s, u"Google"_s, u"--off"_s}).status, 1);
+    EXPECT_EQ(run("services Google --off").status, 1);
     EXPECT_EQ(contentOf(home->searchServicesFile()), faulty);
-    EXPECT_TRUE(runQuarry(home.path(), {u"services"_s, u"Bing"_s, u"--reset"_s}).err.isEmpty());
+    EXPECT_TRUE(run("services Bing --reset").err.isEmpty());
 }
 
 } // namespace

@@ -1,31 +1,16 @@
 #include "apps/updater/RefreshJournal.h"
 
-#include "support/RecordingPauser.h"
-#include "support/SettableClock.h"
-#include "support/TemporaryHome.h"
-
-#include <gtest/gtest.h>
+#include "support/OwnDatabase.h"
 
 namespace quarry::test {
 namespace {
 
-class RefreshJournalTest : public ::testing::Test {
+class RefreshJournalTest : public ::testing::Test, protected OwnDatabase {
 protected:
-    using Engine = QueryDatabaseEngine;
-
-    std::unique_ptr<Engine> open()
-    {
-        return std::make_unique<Engine>(Engine::Parts{home, clock, pauser, files, notifications, nullptr, {}},
-                                        Engine::AtEnd::Discard);
-    }
-    QueryCorePtr inFile() { return open()->queries()->at(0); }
+    QueryCorePtr inFile() { return openDatabase()->queries()->at(0); }
     void rename(const QString& title)
     {
-        EXPECT_EQ(open()->edit([&](Engine& engine) {
-            engine.queries()->at(0)->setTitle(title);
-            return QString();
-        }),
-                  QString());
+        edit([&](Engine& engine) { engine.queries()->at(0)->setTitle(title); });
     }
     /// What the update of a query does: a merge into the tree in use, and an entry in the journal.
     static BroughtUpdate update(const QueryCorePtr& node, const QString& address, Date date)
@@ -42,11 +27,6 @@ protected:
         events.removeAll(name);
     }
 
-    TemporaryHome home;
-    SettableClock clock;
-    RecordingPauser pauser;
-    DiskFileStore files;
-    NotificationCenter notifications;
     std::mutex mutex;
     std::condition_variable changed;
     QStringList events;
@@ -59,12 +39,8 @@ protected:
 
 TEST_F(RefreshJournalTest, SavesNowAndThenAndMergesIntoWhatOthersSaved)
 {
-    const std::unique_ptr<Engine> database = open();
-    EXPECT_EQ(database->edit([](Engine& engine) {
-        engine.addQuery(QStringLiteral("bees"), false);
-        return QString();
-    }),
-              QString());
+    edit([](Engine& engine) { engine.addQuery(QStringLiteral("bees"), false); });
+    const std::unique_ptr<Engine> database = openDatabase();
     RefreshJournal journal(*database, progress, {}, std::chrono::milliseconds(1));
     const Date date = clock.now();
     const BroughtUpdate first = update(database->queries()->at(0), QStringLiteral("http://h/1"), date);

@@ -2,17 +2,15 @@
 
 #include "archive/PropertyList.h"
 #include "database/Preferences.h"
-#include "database/QueryDatabaseEngine.h"
 #include "engines/SearchServices.h"
 #include "support/LoopbackServer.h"
+#include "support/OwnDatabase.h"
+#include "support/QtPrinting.h"
 #include "support/ServicePages.h"
-#include "support/TemporaryHome.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-
-#include <gtest/gtest.h>
 
 #include <condition_variable>
 #include <map>
@@ -84,7 +82,7 @@ private:
 };
 
 /// The real program on a home folder of its own.
-class UpdaterTest : public ::testing::Test {
+class UpdaterTest : public ::testing::Test, protected OwnDatabase {
 protected:
     struct Ended {
         int status = -1;
@@ -116,12 +114,7 @@ protected:
     /// An edit as another program of the product makes it.
     void edit(const std::function<void(const QueryCorePtr& root)>& change)
     {
-        const std::unique_ptr<QueryDatabaseEngine> database = openDatabase();
-        EXPECT_EQ(database->edit([&](QueryDatabaseEngine& locked) {
-            change(locked.rootQuery());
-            return QString();
-        }),
-                  QString());
+        OwnDatabase::edit([&](Engine& database) { change(database.rootQuery()); });
     }
     void addQuery(const QString& text)
     {
@@ -130,7 +123,7 @@ protected:
     /// What is in the file now.
     [[nodiscard]] QueryCorePtr query(const QString& title)
     {
-        const std::unique_ptr<QueryDatabaseEngine> database = openDatabase();
+        const std::unique_ptr<Engine> database = openDatabase();
         EXPECT_EQ(database->lastError(), QString());
         for (const QueryCorePtr& node : database->rootQuery()->childs().value_or(QList<QueryCorePtr>())) {
             if (node->title() == title)
@@ -196,20 +189,8 @@ protected:
     }
 
     LoopbackServices services;
-    TemporaryHome home;
-    DiskFileStore files;
 
 private:
-    std::unique_ptr<QueryDatabaseEngine> openDatabase()
-    {
-        return std::make_unique<QueryDatabaseEngine>(
-            QueryDatabaseEngine::Parts{home, _clock, _pauser, files, _notifications, nullptr, {}},
-            QueryDatabaseEngine::AtEnd::Discard);
-    }
-
-    SystemClock _clock;
-    ThreadPauser _pauser;
-    NotificationCenter _notifications;
     QList<QJsonObject> _seen;
 };
 

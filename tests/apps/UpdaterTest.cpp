@@ -3,90 +3,104 @@
 #include "blacklist/BlacklistStore.h"
 #include "database/Schedule.h"
 #include "support/SessionBusDaemon.h"
+#include "text/Data.h"
 
 #include <QElapsedTimer>
 
 #include <signal.h>
 
-namespace quarry {
+using namespace Qt::Literals::StringLiterals;
+
+namespace quarry::test {
 namespace {
 
-using test::UpdaterTest;
 using enum SearchService;
 
-const QStringList Progress = {u"--progress"_qs};
+const QStringList Progress = {u"--progress"_s};
 
 QJsonObject about(const char* name, const char* title)
 {
-    return {{u"event"_qs, QString::fromLatin1(name)}, {u"title"_qs, QString::fromLatin1(title)}};
+    return {{u"event"_s, QString::fromLatin1(name)}, {u"title"_s, QString::fromLatin1(title)}};
 }
 
 TEST_F(UpdaterTest, BringsWhatIsNewAndOnlyThatWhenItIsTimeAgain)
 {
-    addQuery(u"bees"_qs);
-    services.results = {{Google, {u"http://h/g"_qs}}, {Ixquick, {u"http://h/i"_qs, u"http://h/g?again"_qs}}};
+    addQuery(u"bees"_s);
+    services.results = {{Google, {u"http://h/g"_s}}, {Ixquick, {u"http://h/i"_s, u"http://h/g?again"_s}}};
     EXPECT_EQ(Schedule(home, files).setPeriodicityMinutes(45), QString());
     Ended ended = run(Progress);
     EXPECT_EQ(ended.status, 0) << qPrintable(ended.text);
-    EXPECT_EQ(outcomes(ended), QStringList({u"bees updated 2"_qs}));
+    EXPECT_EQ(outcomes(ended), QStringList({u"bees updated 2"_s}));
     EXPECT_EQ(ended.events.first()[u"queries"].toInt(), 1);
     EXPECT_EQ(ended.events.last()[u"added"].toInt(), 2);
-    EXPECT_EQ(query(u"bees"_qs)->nbUnreadItem(), 2);
+    EXPECT_EQ(query(u"bees"_s)->nbUnreadItem(), 2);
     const Schedule::Settings schedule = Schedule(home, files).read(SystemClock().now());
     EXPECT_EQ(schedule.periodicityMinutes, 45);
-    EXPECT_GE(schedule.lastUpdate, query(u"bees"_qs)->date());
-}
+    EXPECT_GE(schedule.lastUpdate, query(u"bees"_s)->date());
 
-TEST_F(UpdaterTest, AsksAgainByItsClock)
-{
-    addQuery(u"bees"_qs);
-    services.results = {{Google, {u"http://h/g"_qs}}};
-    EXPECT_EQ(run({}).status, 0);
-    services.results = {{Google, {u"http://h/new"_qs}}};
+    services.results = {{Google, {u"http://h/new"_s}}};
     const std::size_t requests = services.requestCount();
-    EXPECT_EQ(outcomes(run(Progress)), QStringList({u"bees recent 0"_qs}));
-    EXPECT_EQ(outcomes(run(Progress + QStringList{u"--clock-offset"_qs, u"1000"_qs})),
-              QStringList({u"bees updated 0"_qs}));
+    EXPECT_EQ(outcomes(run(Progress)), QStringList({u"bees recent 0"_s}));
+    EXPECT_EQ(outcomes(run(Progress + QStringList{u"--clock-offset"_s, u"1000"_s})),
+              QStringList({u"bees updated 0"_s}));
     EXPECT_EQ(services.requestCount(), requests) << "the page cache has it";
-    EXPECT_EQ(outcomes(run(Progress + QStringList{u"--clock-offset=24000"_qs})), QStringList({u"bees updated 1"_qs}));
-    EXPECT_EQ(query(u"bees"_qs)->nbItems(), 2);
+    EXPECT_EQ(outcomes(run(Progress + QStringList{u"--clock-offset=24000"_s})), QStringList({u"bees updated 1"_s}));
+    EXPECT_EQ(query(u"bees"_s)->nbItems(), 3);
 }
 
 TEST_F(UpdaterTest, NamesAServiceThatCannotBeReadAndGoesOn)
 {
-    addQuery(u"bees"_qs);
-    addQuery(u"wasps"_qs);
-    services.results = {{Yahoo, {u"http://h/y"_qs}}};
+    addQuery(u"bees"_s);
+    addQuery(u"wasps"_s);
+    services.results = {{Yahoo, {u"http://h/y"_s}}};
     pointServicesAt({Google});
     Ended ended = run({});
     EXPECT_EQ(ended.status, 0);
-    EXPECT_EQ(ended.text.count(u"Google could not be read"_qs), 2) << qPrintable(ended.text);
-    EXPECT_TRUE(ended.text.contains(u"Google could not be read 2 times"_qs)) << qPrintable(ended.text);
+    EXPECT_EQ(ended.text.count(u"Google could not be read"_s), 2) << qPrintable(ended.text);
+    EXPECT_TRUE(ended.text.contains(u"Google could not be read 2 times"_s)) << qPrintable(ended.text);
     EXPECT_TRUE(ended.events.isEmpty());
-    EXPECT_EQ(query(u"bees"_qs)->nbItems(), 1);
+    EXPECT_EQ(query(u"bees"_s)->nbItems(), 1);
 
     pointServicesAt({Google, Yahoo, Bing, Exalead, Ixquick});
-    ended = run(Progress + QStringList{u"--clock-offset=24000"_qs, u"wasps"_qs});
+    ended = run(Progress + QStringList{u"--clock-offset=24000"_s, u"wasps"_s});
     EXPECT_EQ(ended.status, 3);
-    EXPECT_EQ(outcomes(ended), QStringList({u"wasps unreachable 0"_qs}));
-    EXPECT_EQ(query(u"wasps"_qs)->nbItems(), 1);
+    EXPECT_EQ(outcomes(ended), QStringList({u"wasps unreachable 0"_s}));
+    EXPECT_EQ(query(u"wasps"_s)->nbItems(), 1);
 }
 
 TEST_F(UpdaterTest, ABadUrlExpressionEndsItsOwnUpdateWithALine)
 {
-    services.results = {{Google, {u"http://h/docs/1"_qs, u"http://h/blog/1"_qs}}};
+    services.results = {{Google, {u"http://h/docs/1"_s, u"http://h/blog/1"_s}}};
     edit([](const QueryCorePtr& root) {
-        for (const QString& expression : {u"/docs/"_qs, u"/docs/("_qs})
-            root->addChild(QueryCore::initWithAdvancedQuery(u"bees "_qs + expression, 1, QString(), expression));
+        for (const QString& expression : {u"/docs/"_s, u"/docs/("_s})
+            root->addChild(QueryCore::initWithAdvancedQuery(u"bees "_s + expression, 1, QString(), expression));
     });
     const Ended ended = run({});
     EXPECT_EQ(ended.status, 3);
     EXPECT_TRUE(ended.text.contains(
-        u"bees /docs/(: failed: its URL expression \"/docs/(\" is not valid: Parentheses '( )' not balanced\n"_qs))
+        u"bees /docs/(: failed: its URL expression \"/docs/(\" is not valid: Parentheses '( )' not balanced\n"_s))
         << qPrintable(ended.text);
-    EXPECT_EQ(query(u"bees /docs/"_qs)->nbItems(), 1);
-    EXPECT_EQ(query(u"bees /docs/("_qs)->nbItems(), 0);
-    EXPECT_EQ(query(u"bees /docs/("_qs)->date(), Date::reference());
+    EXPECT_EQ(query(u"bees /docs/"_s)->nbItems(), 1);
+    EXPECT_EQ(query(u"bees /docs/("_s)->nbItems(), 0);
+    EXPECT_EQ(query(u"bees /docs/("_s)->date(), Date::reference());
+}
+
+TEST_F(UpdaterTest, ReadsThePagesBehindResultsOnItsOwnMachine)
+{
+    edit([](const QueryCorePtr& root) {
+        const QueryCorePtr query = QueryCore::initWithAdvancedQuery(u"bees"_s, 3, QString(), QString());
+        query->setComputeChecksum(true);
+        root->addChild(query);
+    });
+    services.pages = {{"/with", "<p>Where the bees are.</p>"}, {"/without", "<p>Nothing.</p>"}};
+    services.results = {{Google, {services.address("/with"), services.address("/without")}}};
+    const Ended ended = run({u"--progress"_s});
+    EXPECT_EQ(outcomes(ended), QStringList({u"bees updated 1"_s})) << qPrintable(ended.text);
+    const ResultList results = query(u"bees"_s)->results().value_or(ResultList());
+    ASSERT_EQ(results.size(), 1);
+    EXPECT_EQ(results[0].urlText(), services.address("/with"));
+    EXPECT_EQ(results[0].textFromPage(), u"Where the bees are."_s);
+    EXPECT_EQ(results[0].checksum(), md5sum(u"<p>Where the bees are.</p>"_s));
 }
 
 /// A rule as a query keeps it.
@@ -101,12 +115,12 @@ FilterObject privateRule(const QString& text)
 TEST_F(UpdaterTest, CountsWhatTheBlacklistCatchesAndLogsItsBadExpressions)
 {
     services.results = {{Google,
-                         {u"http://both.example/ads"_qs, u"http://ads.example/ads"_qs, u"http://own.example/private"_qs,
-                          u"http://good.example/1"_qs, u"http://good.example/2"_qs}}};
+                         {u"http://both.example/ads"_s, u"http://ads.example/ads"_s, u"http://own.example/private"_s,
+                          u"http://good.example/1"_s, u"http://good.example/2"_s}}};
     edit([](const QueryCorePtr& root) {
-        const QueryCorePtr bees = QueryCore::initWithQuery(u"bees"_qs);
-        bees->excludeURLString(u"http://both.example/"_qs);
-        bees->addFilter(privateRule(u"/private"_qs));
+        const QueryCorePtr bees = QueryCore::initWithQuery(u"bees"_s);
+        bees->excludeURLString(u"http://both.example/"_s);
+        bees->addFilter(privateRule(u"/private"_s));
         root->addChild(bees);
     });
     BlacklistStore blacklist(home, files);
@@ -120,32 +134,31 @@ TEST_F(UpdaterTest, CountsWhatTheBlacklistCatchesAndLogsItsBadExpressions)
     const auto linksOf = [](const Ended& ended) {
         QStringList lines;
         for (const QJsonObject& event : ended.events) {
-            if (event[u"event"] == u"query-finished"_qs)
-                lines.append(u"%1 %2 %3 %4"_qs.arg(event[u"title"].toString())
+            if (event[u"event"] == u"query-finished"_s)
+                lines.append(u"%1 %2 %3 %4"_s.arg(event[u"title"].toString())
                                  .arg(event[u"added"].toInt())
                                  .arg(event[u"excluded"].toInt())
                                  .arg(event[u"blacklisted"].toInt()));
         }
         return lines;
     };
-    addRule(u"/ADS"_qs, BlacklistType::Text);
-    EXPECT_EQ(linksOf(run(Progress)), QStringList({u"bees 2 1 1"_qs}));
+    addRule(u"/ADS"_s, BlacklistType::Text);
+    EXPECT_EQ(linksOf(run(Progress)), QStringList({u"bees 2 1 1"_s}));
     EXPECT_FALSE(QFileInfo::exists(home->logFile()));
 
-    services.results[Google] += {u"http://good.example/3"_qs, u"http://good.example/4"_qs};
-    addRule(u"good.example/3"_qs, BlacklistType::Text);
-    addRule(u"(unbalanced"_qs, BlacklistType::RegularExpression);
-    EXPECT_EQ(linksOf(run(Progress + QStringList{u"--clock-offset=24000"_qs})), QStringList({u"bees 1 1 2"_qs}));
+    services.results[Google] += {u"http://good.example/3"_s, u"http://good.example/4"_s};
+    addRule(u"good.example/3"_s, BlacklistType::Text);
+    addRule(u"(unbalanced"_s, BlacklistType::RegularExpression);
+    EXPECT_EQ(linksOf(run(Progress + QStringList{u"--clock-offset=24000"_s})), QStringList({u"bees 1 1 2"_s}));
     // Of the links that were asked about, one came past the rules before.
-    EXPECT_EQ(test::contentOf(home->logFile()).count("Error in Regexp '(unbalanced': Parentheses '( )' not balanced\n"),
-              1);
+    EXPECT_EQ(contentOf(home->logFile()).count("Error in Regexp '(unbalanced': Parentheses '( )' not balanced\n"), 1);
 }
 
 TEST_F(UpdaterTest, AnInterruptEndsItAtOnceAndKeepsWhatWasFound)
 {
-    for (const QString& text : {u"quick"_qs, u"hangs"_qs, u"waits"_qs})
+    for (const QString& text : {u"quick"_s, u"hangs"_s, u"waits"_s})
         addQuery(text);
-    services.results = {{Google, {u"http://h/g"_qs}}, {Bing, {u"http://h/b"_qs}}};
+    services.results = {{Google, {u"http://h/g"_s}}, {Bing, {u"http://h/b"_s}}};
     services.hold("p=hangs");
     QProcess process;
     start(process, Progress);
@@ -159,16 +172,16 @@ TEST_F(UpdaterTest, AnInterruptEndsItAtOnceAndKeepsWhatWasFound)
     const Ended ended = end(process);
     EXPECT_LT(timer.elapsed(), 5000) << "a transfer that hangs lasts a minute";
     EXPECT_EQ(ended.status, 5) << qPrintable(ended.text);
-    EXPECT_EQ(query(u"quick"_qs)->nbItems(), 2);
-    EXPECT_EQ(query(u"hangs"_qs)->nbItems(), 0);
-    EXPECT_EQ(query(u"hangs"_qs)->date(), Date::reference());
+    EXPECT_EQ(query(u"quick"_s)->nbItems(), 2);
+    EXPECT_EQ(query(u"hangs"_s)->nbItems(), 0);
+    EXPECT_EQ(query(u"hangs"_s)->date(), Date::reference());
     EXPECT_FALSE(Schedule(home, files).read(SystemClock().now()).lastUpdate);
 }
 
 TEST_F(UpdaterTest, EndsWhenEveryProgramOfTheProductIsAskedTo)
 {
-    const test::SessionBusDaemon daemon;
-    addQuery(u"hangs"_qs);
+    const SessionBusDaemon daemon;
+    addQuery(u"hangs"_s);
     services.hold("p=hangs");
     QProcess process;
     start(process, Progress);
@@ -177,10 +190,10 @@ TEST_F(UpdaterTest, EndsWhenEveryProgramOfTheProductIsAskedTo)
     timer.start();
     // It may not listen yet the first time.
     while (process.state() == QProcess::Running && timer.elapsed() < 60000) {
-        QProcess::execute(u"dbus-send"_qs,
-                          {u"--session"_qs, u"--type=signal"_qs, u"/com/zep/QuarrySpotter/Notifications"_qs,
-                           u"com.zep.QuarrySpotter.Notifications.Posted"_qs,
-                           u"string:QUIT_EVERYBODY_NOTIFICATION QS1"_qs, u"dict:string:string:by,a test"_qs});
+        QProcess::execute(u"dbus-send"_s,
+                          {u"--session"_s, u"--type=signal"_s, u"/com/zep/QuarrySpotter/Notifications"_s,
+                           u"com.zep.QuarrySpotter.Notifications.Posted"_s, u"string:QUIT_EVERYBODY_NOTIFICATION QS1"_s,
+                           u"dict:string:string:by,a test"_s});
         process.waitForFinished(100);
     }
     EXPECT_EQ(end(process).status, 5);
@@ -188,68 +201,68 @@ TEST_F(UpdaterTest, EndsWhenEveryProgramOfTheProductIsAskedTo)
 
 TEST_F(UpdaterTest, WhatOthersEditMeanwhileSurvivesWithWhatItFound)
 {
-    for (const QString& text : {u"bees"_qs, u"gone"_qs})
+    for (const QString& text : {u"bees"_s, u"gone"_s})
         addQuery(text);
-    services.results = {{Google, {u"http://h/old"_qs, u"http://out.org/"_qs}}};
+    services.results = {{Google, {u"http://h/old"_s, u"http://out.org/"_s}}};
     EXPECT_EQ(run({}).status, 0);
 
-    services.results = {{Google, {u"http://h/new"_qs, u"http://out.org/new"_qs}}};
+    services.results = {{Google, {u"http://h/new"_s, u"http://out.org/new"_s}}};
     services.hold("/search?client=");
     QProcess process;
-    start(process, Progress + QStringList{u"--clock-offset=24000"_qs});
+    start(process, Progress + QStringList{u"--clock-offset=24000"_s});
     ASSERT_TRUE(waitForEvent(process, about("service-asked", "bees")));
     edit([](const QueryCorePtr& root) {
         const QueryCorePtr bees = root->childs()->at(0);
-        bees->setTitle(u"Bees"_qs);
+        bees->setTitle(u"Bees"_s);
         bees->markAllItemAsRead();
-        bees->excludeURLString(u"out.org"_qs);
+        bees->excludeURLString(u"out.org"_s);
         root->removeChild(root->childs()->at(1));
-        root->addChild(QueryCore::initWithQuery(u"added"_qs));
+        root->addChild(QueryCore::initWithQuery(u"added"_s));
     });
     services.release();
     EXPECT_EQ(end(process).status, 0);
-    const QueryCorePtr bees = query(u"Bees"_qs);
+    const QueryCorePtr bees = query(u"Bees"_s);
     ASSERT_TRUE(bees);
     EXPECT_EQ(bees->nbItems(), 2);
     EXPECT_EQ(bees->nbUnreadItem(), 1);
     EXPECT_GT(bees->date()->secondsSince(SystemClock().now()), 20000);
-    EXPECT_FALSE(query(u"gone"_qs));
-    EXPECT_EQ(query(u"added"_qs)->date(), Date::reference());
+    EXPECT_FALSE(query(u"gone"_s));
+    EXPECT_EQ(query(u"added"_s)->date(), Date::reference());
 }
 
 TEST_F(UpdaterTest, TwoNeverRunAtOnceAndAKilledOneLeavesNothingBehind)
 {
-    addQuery(u"bees"_qs);
-    services.results = {{Google, {u"http://h/g"_qs}}};
+    addQuery(u"bees"_s);
+    services.results = {{Google, {u"http://h/g"_s}}};
     services.hold("/search?client=");
-    const QByteArray before = test::contentOf(home->databaseFile());
+    const QByteArray before = contentOf(home->databaseFile());
     QProcess first;
     start(first, Progress);
     ASSERT_TRUE(waitForEvent(first, about("service-asked", "bees")));
     const Ended other = run({});
     EXPECT_EQ(other.status, 4);
-    EXPECT_TRUE(other.text.contains(u"another refresh"_qs)) << qPrintable(other.text);
+    EXPECT_TRUE(other.text.contains(u"another refresh"_s)) << qPrintable(other.text);
     first.kill();
     EXPECT_EQ(end(first).status, -1);
-    EXPECT_EQ(test::contentOf(home->databaseFile()), before);
+    EXPECT_EQ(contentOf(home->databaseFile()), before);
 
     services.release();
     EXPECT_EQ(run({}).status, 0);
-    EXPECT_EQ(query(u"bees"_qs)->nbItems(), 1);
+    EXPECT_EQ(query(u"bees"_s)->nbItems(), 1);
 }
 
 TEST_F(UpdaterTest, UpdatesWhatIsNamed)
 {
-    services.results = {{Google, {u"http://h/g"_qs}}};
+    services.results = {{Google, {u"http://h/g"_s}}};
     edit([](const QueryCorePtr& root) {
-        const QueryCorePtr folder = QueryCore::initWithQueryFolder(u"folder"_qs);
-        const QueryCorePtr paused = QueryCore::initWithQueryFolder(u"paused folder"_qs);
-        const QueryCorePtr off = QueryCore::initWithQuery(u"off"_qs);
-        for (const QueryCorePtr& node : {folder, paused, off, QueryCore::initWithQuery(u"twin"_qs)})
+        const QueryCorePtr folder = QueryCore::initWithQueryFolder(u"folder"_s);
+        const QueryCorePtr paused = QueryCore::initWithQueryFolder(u"paused folder"_s);
+        const QueryCorePtr off = QueryCore::initWithQuery(u"off"_s);
+        for (const QueryCorePtr& node : {folder, paused, off, QueryCore::initWithQuery(u"twin"_s)})
             root->addChild(node);
-        folder->addChild(QueryCore::initWithQuery(u"inner"_qs));
-        paused->addChild(QueryCore::initWithQuery(u"deep"_qs));
-        paused->addChild(QueryCore::initWithQuery(u"twin"_qs));
+        folder->addChild(QueryCore::initWithQuery(u"inner"_s));
+        paused->addChild(QueryCore::initWithQuery(u"deep"_s));
+        paused->addChild(QueryCore::initWithQuery(u"twin"_s));
         paused->setEnabled(false);
         off->setEnabled(false);
     });
@@ -258,11 +271,11 @@ TEST_F(UpdaterTest, UpdatesWhatIsNamed)
         int status;
         QStringList outcomes;
     };
-    const QString beginning = query(u"folder"_qs)->UUID().left(13).toLower();
-    for (const Case& c : {Case{{u"deep"_qs, beginning, u"INNER"_qs}, 0, {u"deep updated 1"_qs, u"inner updated 1"_qs}},
-                          Case{{u"off"_qs, u"deep"_qs}, 3, {u"deep recent 0"_qs, u"off paused 0"_qs}},
-                          Case{{u"paused folder"_qs}, 3, {u"paused folder paused 0"_qs}},
-                          Case{{u"deep"_qs, u"twin"_qs}, 2, {}}, Case{{u"nothing of that name"_qs}, 2, {}}}) {
+    const QString beginning = query(u"folder"_s)->UUID().left(13).toLower();
+    for (const Case& c : {Case{{u"deep"_s, beginning, u"INNER"_s}, 0, {u"deep updated 1"_s, u"inner updated 1"_s}},
+                          Case{{u"off"_s, u"deep"_s}, 3, {u"deep recent 0"_s, u"off paused 0"_s}},
+                          Case{{u"paused folder"_s}, 3, {u"paused folder paused 0"_s}},
+                          Case{{u"deep"_s, u"twin"_s}, 2, {}}, Case{{u"nothing of that name"_s}, 2, {}}}) {
         const Ended ended = run(Progress + c.names);
         EXPECT_EQ(ended.status, c.status) << qPrintable(c.names.join(u' '));
         EXPECT_EQ(outcomes(ended), c.outcomes) << qPrintable(outcomes(ended).join(u'\n'));
@@ -273,14 +286,14 @@ TEST_F(UpdaterTest, UpdatesWhatIsNamed)
 
 TEST_F(UpdaterTest, LeavesADatabaseAloneThatItCannotReadAndRefusesWrongUse)
 {
-    EXPECT_TRUE(test::writeFile(home->databaseFile(), "no database"));
+    EXPECT_TRUE(writeFile(home->databaseFile(), "no database"));
     const Ended ended = run({});
     EXPECT_EQ(ended.status, 1);
-    EXPECT_TRUE(ended.text.contains(u"cannot be read"_qs)) << qPrintable(ended.text);
-    EXPECT_EQ(test::contentOf(home->databaseFile()), "no database");
-    for (const QString& wrong : {u"--clock-offset=nan"_qs, u"--clock-offset=9e99"_qs, u"--home=/twice"_qs, u"-x"_qs})
+    EXPECT_TRUE(ended.text.contains(u"cannot be read"_s)) << qPrintable(ended.text);
+    EXPECT_EQ(contentOf(home->databaseFile()), "no database");
+    for (const QString& wrong : {u"--clock-offset=nan"_s, u"--clock-offset=9e99"_s, u"--home=/twice"_s, u"-x"_s})
         EXPECT_EQ(run({wrong}).status, 2) << qPrintable(wrong);
 }
 
 } // namespace
-} // namespace quarry
+} // namespace quarry::test

@@ -2,9 +2,8 @@
 
 #include "session/TreeEdits.h"
 #include "support/ManualTimers.h"
-#include "support/RecordingPauser.h"
-#include "support/SettableClock.h"
-#include "support/TemporaryHome.h"
+#include "support/OwnDatabase.h"
+#include "support/QtPrinting.h"
 
 #include <QDir>
 
@@ -45,11 +44,11 @@ ResultRecord record(const char* name, const char* host)
 }
 
 /// A folder "Garden" with the query "pond" in it, and the query "bread" beside it.
-class LiveTreeTest : public testing::Test {
+class LiveTreeTest : public testing::Test, protected OwnDatabase {
 protected:
     void SetUp() override
     {
-        const QString error = elsewhere([this](QueryDatabaseEngine& database) {
+        elsewhere([this](Engine& database) {
             const QueryCorePtr folder = database.addQuery(QStringLiteral("Garden"), true);
             const QueryCorePtr nested = QueryCore::initWithQuery(QStringLiteral("pond"));
             folder->addChild(nested);
@@ -60,7 +59,6 @@ protected:
             pond = nested->UUID();
             bread = other->UUID();
         });
-        ASSERT_EQ(error, QString());
     }
     void open()
     {
@@ -74,22 +72,17 @@ protected:
             << qPrintable(heard.reason);
     }
     /// As another program would change the file.
-    QString elsewhere(const std::function<void(QueryDatabaseEngine&)>& change)
+    void elsewhere(const std::function<void(Engine&)>& change)
     {
         clock.advance(5);
-        QueryDatabaseEngine engine(parts(), QueryDatabaseEngine::AtEnd::Discard);
-        return engine.edit([&change](QueryDatabaseEngine& database) {
-            change(database);
-            return QString();
-        });
+        edit(change);
     }
-    QueryDatabaseEngine::Parts parts() { return {home, clock, pauser, files, notifications, nullptr, {}}; }
     /// The titles, or names, of a folder's children in the file.
     QStringList titlesInFile(const QString& folderUuid = {})
     {
-        QueryDatabaseEngine engine(parts(), QueryDatabaseEngine::AtEnd::Discard);
+        const std::unique_ptr<Engine> engine = openDatabase();
         QStringList titles;
-        const QueryCorePtr folder = folderUuid.isEmpty() ? engine.currentRoot() : engine.queryForUUID(folderUuid);
+        const QueryCorePtr folder = folderUuid.isEmpty() ? engine->currentRoot() : engine->queryForUUID(folderUuid);
         const QList<QueryCorePtr> childs = folder->childs().value_or(QList<QueryCorePtr>());
         for (const QueryCorePtr& child : childs)
             titles.append(child->title());
@@ -103,11 +96,6 @@ protected:
         return {{pond, keys}};
     }
 
-    TemporaryHome home;
-    SettableClock clock;
-    RecordingPauser pauser;
-    DiskFileStore files;
-    NotificationCenter notifications;
     ManualTimers timers;
     Heard heard;
     LiveTree tree{{home, clock, pauser, files, notifications, timers}, heard};
@@ -125,8 +113,7 @@ TEST_F(LiveTreeTest, AnEditShowsAtOnceAndIsInTheFileSoonAfter)
     EXPECT_EQ(heard.edited, QStringList{pond});
     EXPECT_EQ(heard.safety, LiveTree::Safety::Pending);
     waitUntilSafe();
-    QueryDatabaseEngine engine(parts(), QueryDatabaseEngine::AtEnd::Discard);
-    EXPECT_EQ(engine.queryForUUID(pond)->nbUnreadItem(), 1);
+    EXPECT_EQ(openDatabase()->queryForUUID(pond)->nbUnreadItem(), 1);
 }
 
 TEST_F(LiveTreeTest, EditsSurviveWhatAnotherProgramWritesMeanwhile)
@@ -134,11 +121,10 @@ TEST_F(LiveTreeTest, EditsSurviveWhatAnotherProgramWritesMeanwhile)
     open();
     tree.edit(edits::setHidden(true, named({"b"})));
     tree.edit(edits::rename(bread, QStringLiteral("Loaves")));
-    ASSERT_EQ(elsewhere([this](QueryDatabaseEngine& database) {
-                  database.queryForUUID(pond)->restoreResults({record("d", "new.example")}, {});
-                  database.addQuery(QStringLiteral("stones"), false);
-              }),
-              QString());
+    elsewhere([this](Engine& database) {
+        database.queryForUUID(pond)->restoreResults({record("d", "new.example")}, {});
+        database.addQuery(QStringLiteral("stones"), false);
+    });
     const int before = heard.replaced;
     waitUntilSafe();
     EXPECT_GT(heard.replaced, before) << "the other program's tree is shown";
@@ -151,8 +137,7 @@ TEST_F(LiveTreeTest, EditsSurviveWhatAnotherProgramWritesMeanwhile)
 TEST_F(LiveTreeTest, ARewrittenFileIsShownWithoutAnEdit)
 {
     open();
-    ASSERT_EQ(elsewhere([](QueryDatabaseEngine& database) { database.addQuery(QStringLiteral("stones"), false); }),
-              QString());
+    elsewhere([](Engine& database) { database.addQuery(QStringLiteral("stones"), false); });
     const int before = heard.replaced;
     timers.advance(1s);
     ASSERT_TRUE(timers.runUntil([&] { return heard.replaced > before; }));

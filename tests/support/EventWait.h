@@ -1,25 +1,14 @@
 #pragma once
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
-#include <QEventLoop>
-#include <QTimer>
+#include <QtCore/qtestsupport_core.h>
 
 namespace quarry::test {
 
-/// Runs the event loop until the condition holds; false when it never does.
+/// Runs the event loop until the condition holds; false when it does not within a minute.
 template <typename Condition>
 [[nodiscard]] bool waitFor(Condition condition)
 {
-    const QDeadlineTimer deadline(60000);
-    QTimer looks;
-    looks.start(5);
-    while (!condition()) {
-        if (deadline.hasExpired())
-            return false;
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
-    return true;
+    return QTest::qWaitFor(condition, 60000);
 }
 
 } // namespace quarry::test

@@ -49,4 +49,14 @@ private:
     return QuarryProcess(home, arguments).wait();
 }
 
+/// Starts the gateway over a folder of documents. Its address; empty when it does not come up.
+[[nodiscard]] inline QString startGateway(QProcess& gateway, const QString& folder)
+{
+    gateway.start(QStringLiteral(QUARRY_BUNDLE_DIR "/bin/quarry-gateway"), {QStringLiteral("--folder"), folder});
+    QString address =
+        gateway.waitForReadyRead(60000) ? QString::fromUtf8(gateway.readLine()).section(u' ', 2, 2) : QString();
+    address.chop(1);
+    return address;
+}
+
 } // namespace quarry::test

@@ -50,20 +50,36 @@ inline QPalette darkPalette()
     return dark;
 }
 
-/// How many pixels of an image, or of a part of it, are that color, give or take a little of each part.
+/// Whether a pixel is that color, give or take a little of each part.
+inline bool isLike(const QColor& color, const QColor& pixel, int tolerance)
+{
+    const auto near = [tolerance](int a, int b) { return std::abs(a - b) <= tolerance; };
+    return near(pixel.red(), color.red()) && near(pixel.green(), color.green()) && near(pixel.blue(), color.blue());
+}
+
+/// How many pixels of an image, or of a part of it, are like that color.
 inline int pixelsLike(const QColor& color, const QImage& image, QRect part = {}, int tolerance = 6)
 {
     part = part.isNull() ? image.rect() : part.intersected(image.rect());
     int count = 0;
     for (int y = part.top(); y <= part.bottom(); ++y) {
-        for (int x = part.left(); x <= part.right(); ++x) {
-            const QColor pixel = image.pixelColor(x, y);
-            const auto near = [&](int a, int b) { return std::abs(a - b) <= tolerance; };
-            count += near(pixel.red(), color.red()) && near(pixel.green(), color.green()) &&
-                     near(pixel.blue(), color.blue());
-        }
+        for (int x = part.left(); x <= part.right(); ++x)
+            count += isLike(color, image.pixelColor(x, y), tolerance);
     }
     return count;
+}
+
+/// The smallest part that holds all of these pixels; null without any.
+inline QRect placeLike(const QColor& color, const QImage& image, const QRect& part, int tolerance = 6)
+{
+    QRect place;
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        for (int x = part.left(); x <= part.right(); ++x) {
+            if (isLike(color, image.pixelColor(x, y), tolerance))
+                place |= QRect(x, y, 1, 1);
+        }
+    }
+    return place;
 }
 
 /// A program of the desktop that ends with the test.

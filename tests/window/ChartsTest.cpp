@@ -38,15 +38,7 @@ void fill(const QueryCorePtr& root)
 QRect barsIn(QWidget& chart)
 {
     const QImage image = chart.grab().toImage();
-    const QColor color = chart.palette().color(QPalette::Highlight);
-    QRect bars;
-    for (int x = 0; x < image.width(); ++x) {
-        for (int y = 0; y < image.height(); ++y) {
-            if (image.pixelColor(x, y) == color)
-                bars |= QRect(x, y, 1, 1);
-        }
-    }
-    return bars;
+    return placeLike(chart.palette().color(QPalette::Highlight), image, image.rect(), 0);
 }
 
 TEST(ChartsTest, ShowWhatTheSelectedNodeBroughtInPicturesAndNumbers)

@@ -1,4 +1,4 @@
-#include "FakeBar.h"
+#include "FakeWatcher.h"
 
 #include <QApplication>
 

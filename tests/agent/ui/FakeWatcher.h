@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QObject>
 #include <QSocketNotifier>
@@ -52,5 +53,15 @@ private:
     bool _hasHost;
     QSocketNotifier _commands{0, QSocketNotifier::Read};
 };
+
+/// Plays a bar that shows status notifier items until it is killed. It prints "asked" when somebody asked whether it
+/// shows them, and "item NAME" for each that registers. With "--host" it shows them from the start, without it from
+/// the line "host" on.
+inline int runFakeBar(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    const FakeWatcher watcher(QCoreApplication::arguments().contains(QStringLiteral("--host")));
+    return QCoreApplication::exec();
+}
 
 } // namespace quarry

@@ -1,5 +1,6 @@
 #include "TrayRig.h"
 #include "support/QtPrinting.h"
+#include "support/Tray.h"
 
 #include <QPalette>
 
@@ -9,37 +10,10 @@ using namespace quarry;
 
 namespace {
 
-/// The iris of the open eye, seen in the bar at the top of the screen.
-const QColor Iris(255, 157, 0);
-const QRect Bar(0, 0, 1280, 64);
-
 bool showsOpenEye()
 {
-    return pixelsLike(Iris, screenshot(), Bar) > 10;
-}
-
-DesktopProgram trayOf(const QString& color)
-{
-    return {QStringLiteral("trayer"),
-            {QStringLiteral("--edge"), QStringLiteral("top"), QStringLiteral("--align"), QStringLiteral("right"),
-             QStringLiteral("--height"), QStringLiteral("32"), QStringLiteral("--widthtype"), QStringLiteral("request"),
-             QStringLiteral("--transparent"), QStringLiteral("true"), QStringLiteral("--alpha"), QStringLiteral("0"),
-             QStringLiteral("--tint"), color}};
-}
-
-/// Clicks into the middle of the icon as a user does.
-void clickIcon(const QString& button)
-{
-    const QImage screen = screenshot();
-    QRect icon;
-    for (int y = Bar.top(); y <= Bar.bottom(); ++y) {
-        for (int x = Bar.left(); x <= Bar.right(); ++x) {
-            if (pixelsLike(Iris, screen, QRect(x, y, 1, 1)) > 0)
-                icon |= QRect(x, y, 1, 1);
-        }
-    }
-    QProcess::execute(QStringLiteral("xdotool"), {QStringLiteral("mousemove"), QString::number(icon.center().x()),
-                                                  QString::number(icon.center().y()), QStringLiteral("click"), button});
+    const QSize eye = openEye().size();
+    return eye.width() * eye.height() > 10;
 }
 
 TEST(ScreenTray, IsWaitedForAndGetsTheIconAgainAfterARestart)
@@ -80,18 +54,18 @@ TEST(ScreenTray, PopsUpTheMenuWithTheDrawnInfoItem)
                            QStringLiteral("Quit QuarrySpotter Agent…")}));
     EXPECT_EQ(titles.size(), 4) << "the info item comes last";
 
-    for (const QString& button : {QStringLiteral("1"), QStringLiteral("3")}) {
-        if (button == QLatin1String("3"))
+    for (const int button : {1, 3}) {
+        if (button == 3)
             QApplication::setPalette(QPalette(QColor(50, 50, 54)));
-        clickIcon(button);
-        ASSERT_TRUE(happens([&] { return rig.item.menu().isVisible(); })) << "button " << button.toStdString();
+        clickScreen(openEye().center(), button);
+        ASSERT_TRUE(happens([&] { return rig.item.menu().isVisible(); })) << "button " << button;
         const QColor bubble(58, 87, 247);
         ASSERT_TRUE(happens([&] { return pixelsLike(bubble, screenshot(), rig.item.menu().geometry(), 20) > 200; }));
-        screenshot(QStringLiteral("menu-") + button);
+        screenshot(QStringLiteral("menu-%1").arg(button));
         rig.item.menu().close();
     }
 
-    clickIcon(QStringLiteral("1"));
+    clickScreen(openEye().center());
     ASSERT_TRUE(happens([&] { return rig.item.menu().isVisible(); }));
     rig.item.removeInfo();
     EXPECT_EQ(rig.item.menu().actions().size(), 3) << "also while the menu is open";

@@ -26,15 +26,13 @@ TEST_F(AgentOnDesktop, ADueRefreshIsMadeShownAndOpened)
     ASSERT_TRUE(writeFile(home.path() + u"/documents/rye.md"_s, "# Rye starter\n\nFeeding a rye starter.\n"));
     ASSERT_TRUE(writeFile(home.path() + u"/documents/wheat.md"_s, "# Wheat starter\n\nA starter of wheat.\n"));
     ASSERT_TRUE(writeFile(home.path() + u"/documents/oak.md"_s, "# Oak\n\nWood for <shelves> & tables.\n"));
-    const Program gateway =
-        start(QStringLiteral(QUARRY_BUNDLE_DIR "/bin/quarry-gateway"), {u"--folder"_s, home.path() + u"/documents"_s});
-    ASSERT_TRUE(gateway->waitForReadyRead());
-    const QString ready = QString::fromUtf8(gateway->readLine());
-    ASSERT_EQ(quarry({u"services"_s, u"--at"_s, ready.section(u' ', 2, 2).chopped(1)}).status, 0);
+    QProcess gateway;
+    const QString address = startGateway(gateway, home.path() + u"/documents"_s);
+    ASSERT_EQ(quarry({u"services"_s, u"--at"_s, address}).status, 0);
     ASSERT_EQ(quarry({u"add"_s, u"starter"_s}).status, 0);
     ASSERT_EQ(quarry({u"add"_s, u"shelves tables"_s}).status, 0);
     scheduleDueRefresh();
-    const DesktopProgram bar = tray();
+    const DesktopProgram bar = trayOf(u"0x202020"_s);
     const DesktopProgram server = notificationServer();
     ASSERT_TRUE(waitFor([&] { return notificationsShown() == 0; }));
 
@@ -47,14 +45,14 @@ TEST_F(AgentOnDesktop, ADueRefreshIsMadeShownAndOpened)
     ASSERT_TRUE(waitFor([] { return openEye().isNull(); })) << "it blinks";
     screenshot(u"desktop-blink-closed"_s);
 
-    click(icon.center() + QPoint(0, 9)); // at its lower edge: the menu does not cover it
+    clickScreen(icon.center() + QPoint(0, 9)); // at its lower edge: the menu does not cover it
     ASSERT_TRUE(waitFor(menuShowsNews));
     ASSERT_TRUE(waitFor([] { return !openEye().isNull(); })) << "it blinks on";
     screenshot(u"desktop-menu"_s);
     QProcess::execute(u"xdotool"_s, {u"key"_s, u"Escape"_s});
     ASSERT_TRUE(waitFor([] { return !menuShowsNews(); }));
 
-    click(NotificationPlace);
+    clickScreen(NotificationPlace);
     ASSERT_TRUE(waitFor([&] { return opened.size() == 1; }));
     ASSERT_TRUE(waitFor([&] { return notificationsShown() == 0; }));
     QElapsedTimer steady;
@@ -95,7 +93,7 @@ TEST_F(AgentOnDesktop, EndsWithItsBundleAndTakesTheUpdaterAlong)
 TEST_F(AgentOnDesktop, OneStaysUntilEverybodyIsToldToQuit)
 {
     scheduleNothingDue();
-    const DesktopProgram bar = tray();
+    const DesktopProgram bar = trayOf(u"0x202020"_s);
     const Program first = startAgent();
     const Program second = startAgent();
     ASSERT_TRUE(waitFor([&] { return !lives(first) || !lives(second); }));
@@ -127,7 +125,7 @@ TEST_F(AgentOnDesktop, GoesOnWhenItsBundleIsReplaced)
     ASSERT_EQ(quarry({u"services"_s, u"--at"_s, services.address("")}).status, 0);
     ASSERT_EQ(quarry({u"add"_s, u"starter"_s}).status, 0);
     scheduleNothingDue();
-    const DesktopProgram bar = tray();
+    const DesktopProgram bar = trayOf(u"0x202020"_s);
     const Program agent = startAgent();
     ASSERT_TRUE(waitFor(trayShowsIcon));
 
@@ -137,7 +135,7 @@ TEST_F(AgentOnDesktop, GoesOnWhenItsBundleIsReplaced)
     EXPECT_EQ(agentProcess(), agent->processId());
 
     // A refresh from the menu is the new bundle's.
-    click(trayIcon().center());
+    clickScreen(trayIcon().center());
     for (const QString& key : {u"Down"_s, u"Down"_s, u"Return"_s})
         QProcess::execute(u"xdotool"_s, {u"key"_s, key});
     services.waitUntilHeld();

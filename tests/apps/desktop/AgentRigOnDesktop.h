@@ -6,8 +6,8 @@
 #include "platform/desktop/SessionBus.h"
 #include "support/EventWait.h"
 #include "support/QuarryProcess.h"
-#include "support/Screen.h"
 #include "support/TemporaryHome.h"
+#include "support/Tray.h"
 
 #include <QDBusMessage>
 #include <QDBusVariant>
@@ -145,28 +145,6 @@ protected:
     }
 
     // --- The screen
-    /// The iris of the open eye, which the blinking icon shows every other second.
-    static QRect openEye()
-    {
-        const QImage bar = screenshot().copy(0, 0, 1280, 40);
-        QRect eye;
-        for (int y = 0; y < bar.height(); ++y) {
-            for (int x = 0; x < bar.width(); ++x) {
-                if (pixelsLike(QColor(255, 157, 0), bar, QRect(x, y, 1, 1)) > 0)
-                    eye |= QRect(x, y, 1, 1);
-            }
-        }
-        return eye;
-    }
-    /// A tray at the top of the screen.
-    static DesktopProgram tray()
-    {
-        return {QStringLiteral("trayer"),
-                {QStringLiteral("--edge"), QStringLiteral("top"), QStringLiteral("--align"), QStringLiteral("right"),
-                 QStringLiteral("--height"), QStringLiteral("32"), QStringLiteral("--widthtype"),
-                 QStringLiteral("request"), QStringLiteral("--transparent"), QStringLiteral("true"),
-                 QStringLiteral("--alpha"), QStringLiteral("0"), QStringLiteral("--tint"), QStringLiteral("0x202020")}};
-    }
     /// Where the tray draws: nothing else is at the top of the screen.
     static QRect trayIcon()
     {
@@ -205,13 +183,6 @@ protected:
         const QVariant answer = bus.connection().call(question).arguments().value(0);
         return answer.canConvert<QDBusVariant>() ? answer.value<QDBusVariant>().variant().toInt() : -1;
     }
-    static void click(QPoint place, int button = 1)
-    {
-        QProcess::execute(QStringLiteral("xdotool"),
-                          {QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y()),
-                           QStringLiteral("click"), QString::number(button)});
-    }
-
     QWidget wallpaper; ///< Below everything that is opened later.
     const TemporaryHome home;
     const BundleCopy bundle;
