@@ -70,6 +70,16 @@ void forEach(const QueryCorePtr& root, const QStringList& uuids, const std::func
     }
 }
 
+ResultList resultsOf(const QueryCore& query, const QString& host)
+{
+    ResultList results = query.snapshot().fields._currentResult.value_or(ResultList());
+    results.removeIf([&host](const ResultRecord& record) {
+        const std::optional<Url> url = record.url();
+        return !url || url->host() != host;
+    });
+    return results;
+}
+
 using Selected = std::function<void(QueryCore& query, const ResultKeys& keys)>;
 TreeEdit ofResults(const ResultSelection& results, const Selected& how)
 {
@@ -96,51 +106,57 @@ TreeEdit setRating(qint64 rating, const ResultSelection& results)
     return ofResults(results, [rating](QueryCore& query, const ResultKeys& keys) { query.setRating(rating, keys); });
 }
 
-TreeEdit excludeHost(const QString& queryUuid, const QString& host)
+Reversible exclusion(const QString& queryUuid, const QString& host)
 {
-    return change({queryUuid}, [host](QueryCore& query) {
-        query.excludeURLString(QLatin1String("http://") + host);
-        query.invalidateUnread();
-    });
+    const auto dropped = std::make_shared<ResultList>(); // Under the tree lock.
+    return {change({queryUuid},
+                   [host, dropped](QueryCore& query) {
+                       const TreeLock lock;
+                       // A tree in which the host is excluded already has nothing to say about what was dropped.
+                       if (const ResultList now = resultsOf(query, host); !now.isEmpty())
+                           *dropped = now;
+                       query.excludeURLString(QLatin1String("http://") + host);
+                       query.invalidateUnread();
+                   }),
+            change({queryUuid}, [host, dropped](QueryCore& query) {
+                const TreeLock lock;
+                query.includeHost(host);
+                query.restoreResults(*dropped, {});
+            })};
 }
 
-TreeEdit includeHost(const QueryCorePtr& query, const QString& host)
+Reversible insertion(const QueryCorePtr& node, const QString& folderUuid, qsizetype index)
 {
-    ResultList dropped;
-    const ResultList visible = query->snapshot().fields._currentResult.value_or(ResultList());
-    for (const ResultRecord& record : visible) {
-        const std::optional<Url> url = record.url();
-        if (url && url->host() == host)
-            dropped.append(record);
-    }
-    return change({query->UUID()}, [host, dropped](QueryCore& node) {
-        node.includeHost(host);
-        node.restoreResults(dropped, {});
-    });
+    const QString uuid = node->UUID();
+    const auto outside = std::make_shared<QueryCorePtr>(node); // Under the tree lock.
+    const TreeEdit insert = {[uuid, outside, folderUuid, index](const QueryCorePtr& root) {
+                                 const TreeLock lock;
+                                 const QueryCorePtr wanted = folderNamed(root, folderUuid);
+                                 // A folder that went meanwhile: better at the top than lost.
+                                 const QueryCorePtr folder = wanted && wanted->isQueryFolder() ? wanted : root;
+                                 if (!root->findQueryForUUID(uuid))
+                                     place(*outside, folder, std::min(index, folder->numberOfChilds()));
+                             },
+                             {uuid},
+                             true};
+    const TreeEdit remove = {[uuid, outside](const QueryCorePtr& root) {
+                                 const TreeLock lock;
+                                 const QueryCorePtr found = root->findQueryForUUID(uuid);
+                                 const QueryCorePtr folder = found ? folderOf(root, found) : nullptr;
+                                 if (!folder)
+                                     return;
+                                 folder->removeChild(found);
+                                 *outside = found;
+                             },
+                             {uuid},
+                             true};
+    return {insert, remove};
 }
 
-TreeEdit insert(const QueryCorePtr& node, const QString& folderUuid, qsizetype index)
+Reversible removal(const QueryCorePtr& root, const QueryCorePtr& node)
 {
-    return {[node, folderUuid, index, uuid = node->UUID()](const QueryCorePtr& root) {
-                const QueryCorePtr wanted = folderNamed(root, folderUuid);
-                // A folder that went meanwhile: better at the top than lost.
-                const QueryCorePtr folder = wanted && wanted->isQueryFolder() ? wanted : root;
-                if (!root->findQueryForUUID(uuid))
-                    place(node, folder, std::min(index, folder->numberOfChilds()));
-            },
-            {node->UUID()},
-            true};
-}
-
-TreeEdit remove(const QString& uuid)
-{
-    return {[uuid](const QueryCorePtr& root) {
-                const QueryCorePtr node = root->findQueryForUUID(uuid);
-                if (const QueryCorePtr folder = node ? folderOf(root, node) : nullptr)
-                    folder->removeChild(node);
-            },
-            {uuid},
-            true};
+    const Place place = placeOf(root, node);
+    return insertion(node, place.folderUuid, place.index).reversed();
 }
 
 TreeEdit move(const QString& uuid, const QString& folderUuid, qsizetype index)
@@ -182,6 +198,17 @@ TreeEdit together(const QList<TreeEdit>& changes)
             each.apply(root);
     };
     return all;
+}
+
+Reversible together(const QList<Reversible>& changes)
+{
+    QList<TreeEdit> forth;
+    QList<TreeEdit> back;
+    for (const Reversible& each : changes) {
+        forth.append(each.change);
+        back.append(each.opposite);
+    }
+    return {together(forth), together(back)};
 }
 
 Place placeOf(const QueryCorePtr& root, const QueryCorePtr& node)

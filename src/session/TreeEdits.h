@@ -13,25 +13,32 @@ namespace quarry {
 /// Results of several queries, by the UUIDs of their queries.
 using ResultSelection = QHash<QString, ResultKeys>;
 
-/// The changes that a person makes, each as an edit. Undoing one is another edit: the opposite one, made before it from
-/// the tree as it was then.
+/// The changes that a person makes, each as an edit. Undoing one is another edit: the opposite one.
 namespace edits {
+
+/// A change, and what takes it back. What the one takes out of a tree it hands to the other as it was at that moment:
+/// changes in between, or a file that was read again, do not bring an old copy back. Each may be made again and again.
+struct Reversible {
+    TreeEdit change;
+    TreeEdit opposite;
+
+    [[nodiscard]] Reversible reversed() const { return {opposite, change}; }
+};
 
 // --- Results ----------------------------------------------------------------------------------------------------
 [[nodiscard]] TreeEdit setRead(bool read, const ResultSelection& results);
 [[nodiscard]] TreeEdit setHidden(bool hidden, const ResultSelection& results);
 [[nodiscard]] TreeEdit setRating(qint64 rating, const ResultSelection& results);
-/// Drops the results of a host from a query, now and in later updates.
-[[nodiscard]] TreeEdit excludeHost(const QString& queryUuid, const QString& host);
-/// Lets a host in again, and puts these results back: what excludeHost would take out of the query as it is.
-[[nodiscard]] TreeEdit includeHost(const QueryCorePtr& query, const QString& host);
+/// Drops the results of a host from a query, now and in later updates. The opposite lets the host in again and puts
+/// back what was dropped.
+[[nodiscard]] Reversible exclusion(const QString& queryUuid, const QString& host);
 
 // --- Nodes ------------------------------------------------------------------------------------------------------
-/// Puts a node that is in no tree into a folder (an empty UUID is the top), at that place (past the end: last). Also
-/// what undoes a removal: the node keeps its UUID, its children and its results.
-[[nodiscard]] TreeEdit insert(const QueryCorePtr& node, const QString& folderUuid, qsizetype index);
-/// Takes a node with everything below it out of the tree. Its page caches stay until they are swept.
-[[nodiscard]] TreeEdit remove(const QString& uuid);
+/// Puts a node that is in no tree into a folder (an empty UUID is the top), at that place (past the end: last). The
+/// opposite takes it out with everything below it; its page caches stay until they are swept.
+[[nodiscard]] Reversible insertion(const QueryCorePtr& node, const QString& folderUuid, qsizetype index);
+/// Takes a node out. The opposite puts it back there with its UUID, its children and its results.
+[[nodiscard]] Reversible removal(const QueryCorePtr& root, const QueryCorePtr& node);
 /// Ignored when the folder is the node itself or stands below it. `index` counts the folder's children without the
 /// node.
 [[nodiscard]] TreeEdit move(const QString& uuid, const QString& folderUuid, qsizetype index);
@@ -41,6 +48,7 @@ namespace edits {
 
 /// Several changes as one, in that order.
 [[nodiscard]] TreeEdit together(const QList<TreeEdit>& changes);
+[[nodiscard]] Reversible together(const QList<Reversible>& changes);
 
 /// Where a node stands: what insert() and move() need to bring it back there.
 struct Place {

@@ -43,16 +43,13 @@ FileImport::Done FileImport::importFile(const QString& path, const QString& fold
     if (!done.fault.isEmpty())
         return failed(done.fault);
     const QList<QueryCorePtr> nodes = bench->childs().value_or(QList<QueryCorePtr>());
-    QList<TreeEdit> changes;
-    QList<TreeEdit> opposites;
+    QList<edits::Reversible> changes;
     for (const QueryCorePtr& node : nodes) {
         bench->removeChild(node);
-        changes.append(edits::insert(node, folderUuid, std::numeric_limits<qsizetype>::max()));
-        opposites.append(edits::remove(node->UUID()));
+        changes.append(edits::insertion(node, folderUuid, std::numeric_limits<qsizetype>::max()));
     }
     if (!nodes.isEmpty())
-        _edits.perform(_texts.text(QStringLiteral("201_Undo import")), edits::together(changes),
-                       edits::together(opposites));
+        _edits.perform(_texts.text(QStringLiteral("201_Undo import")), edits::together(changes));
     const QLocale locale;
     QStringList text = {filledFormat(_texts.text(QStringLiteral("206_Imported")),
                                      {info.fileName(), locale.toString(done.queries), locale.toString(done.results)})};

@@ -40,7 +40,7 @@ void ResultEdits::setRead(bool read, const ResultModel& model, const QModelIndex
     if (changing.isEmpty())
         return;
     _edits.perform(_texts.text(read ? QStringLiteral("201_Undo mark read") : QStringLiteral("201_Undo mark unread")),
-                   edits::setRead(read, changing), edits::setRead(!read, changing));
+                   {edits::setRead(read, changing), edits::setRead(!read, changing)});
 }
 
 void ResultEdits::markOpened(const ResultModel& model, const QModelIndexList& rows)
@@ -57,8 +57,8 @@ void ResultEdits::markAllRead(const QueryCorePtr& node)
     if (node)
         collectUnread(node, unread);
     if (!unread.isEmpty())
-        _edits.perform(_texts.text(QStringLiteral("201_Undo mark all read")), edits::setRead(true, unread),
-                       edits::setRead(false, unread));
+        _edits.perform(_texts.text(QStringLiteral("201_Undo mark all read")),
+                       {edits::setRead(true, unread), edits::setRead(false, unread)});
 }
 
 void ResultEdits::setHidden(bool hidden, const ResultModel& model, const QModelIndexList& rows)
@@ -66,7 +66,7 @@ void ResultEdits::setHidden(bool hidden, const ResultModel& model, const QModelI
     const ResultSelection changing = model.selection(rows);
     if (!changing.isEmpty())
         _edits.perform(_texts.text(hidden ? QStringLiteral("201_Undo hide") : QStringLiteral("201_Undo show again")),
-                       edits::setHidden(hidden, changing), edits::setHidden(!hidden, changing));
+                       {edits::setHidden(hidden, changing), edits::setHidden(!hidden, changing)});
 }
 
 void ResultEdits::setRating(qint64 rating, const ResultModel& model, const QModelIndexList& rows)
@@ -77,38 +77,31 @@ void ResultEdits::setRating(qint64 rating, const ResultModel& model, const QMode
         if (former != rating)
             byFormerRating[former].append(index);
     }
-    QList<TreeEdit> changes;
-    QList<TreeEdit> opposites;
+    QList<edits::Reversible> changes;
     for (auto former = byFormerRating.constBegin(); former != byFormerRating.constEnd(); ++former) {
         const ResultSelection changing = model.selection(former.value());
-        changes.append(edits::setRating(rating, changing));
-        opposites.append(edits::setRating(former.key(), changing));
+        changes.append({edits::setRating(rating, changing), edits::setRating(former.key(), changing)});
     }
     if (!changes.isEmpty())
-        _edits.perform(_texts.text(QStringLiteral("201_Undo rating")), edits::together(changes),
-                       edits::together(opposites));
+        _edits.perform(_texts.text(QStringLiteral("201_Undo rating")), edits::together(changes));
 }
 
 void ResultEdits::excludeHosts(const ResultModel& model, const QModelIndexList& rows)
 {
-    QList<TreeEdit> changes;
-    QList<TreeEdit> opposites;
+    QList<edits::Reversible> changes;
     QSet<QString> done;
     for (const QModelIndex& index : rows) {
         const ResultListing::Row& row = model.row(index);
         const QString uuid = model.listing().queryUuid(row);
         const std::optional<Url> url = row.record.url();
         const QString host = url ? url->host().toString() : QString();
-        const QueryCorePtr query = _tree.node(uuid);
-        if (host.isEmpty() || !query || done.contains(uuid + u'\n' + host))
+        if (host.isEmpty() || done.contains(uuid + u'\n' + host))
             continue;
         done.insert(uuid + u'\n' + host);
-        changes.append(edits::excludeHost(uuid, host));
-        opposites.append(edits::includeHost(query, host));
+        changes.append(edits::exclusion(uuid, host));
     }
     if (!changes.isEmpty())
-        _edits.perform(_texts.text(QStringLiteral("201_Undo exclude")), edits::together(changes),
-                       edits::together(opposites));
+        _edits.perform(_texts.text(QStringLiteral("201_Undo exclude")), edits::together(changes));
 }
 
 } // namespace quarry

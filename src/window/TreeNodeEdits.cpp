@@ -82,38 +82,31 @@ QList<QueryCorePtr> TreeNodeEdits::topmost(const QStringList& uuids) const
 void TreeNodeEdits::add(const QueryCorePtr& node, const QString& folderUuid)
 {
     _edits.perform(_texts.text(QStringLiteral("201_Undo add")),
-                   edits::insert(node, folderUuid, std::numeric_limits<qsizetype>::max()), edits::remove(node->UUID()));
+                   edits::insertion(node, folderUuid, std::numeric_limits<qsizetype>::max()));
 }
 
 void TreeNodeEdits::remove(const QStringList& uuids)
 {
-    QList<TreeEdit> changes;
-    QList<TreeEdit> opposites;
-    for (const auto& [node, place] : inOrder(_tree.root(), topmost(uuids))) {
-        changes.append(edits::remove(node->UUID()));
-        opposites.append(edits::insert(node, place.folderUuid, place.index));
-    }
+    QList<edits::Reversible> changes;
+    for (const Placed& each : inOrder(_tree.root(), topmost(uuids)))
+        changes.append(edits::removal(_tree.root(), each.node));
     if (!changes.isEmpty())
-        _edits.perform(_texts.text(QStringLiteral("201_Undo remove")), edits::together(changes),
-                       edits::together(opposites));
+        _edits.perform(_texts.text(QStringLiteral("201_Undo remove")), edits::together(changes));
 }
 
 void TreeNodeEdits::move(const QStringList& uuids, const QString& folderUuid, qsizetype index)
 {
-    QList<TreeEdit> changes;
-    QList<TreeEdit> opposites;
+    QList<edits::Reversible> changes;
     qsizetype target = index;
     const QList<Placed> nodes = inOrder(_tree.root(), topmost(uuids));
     // Those that leave places before the target in the same folder move it forward.
     for (const Placed& each : nodes)
         target -= each.place.folderUuid == folderUuid && each.place.index < index ? 1 : 0;
-    for (const auto& [node, place] : nodes) {
-        changes.append(edits::move(node->UUID(), folderUuid, target++));
-        opposites.append(edits::move(node->UUID(), place.folderUuid, place.index));
-    }
+    for (const auto& [node, place] : nodes)
+        changes.append({edits::move(node->UUID(), folderUuid, target++),
+                        edits::move(node->UUID(), place.folderUuid, place.index)});
     if (!changes.isEmpty())
-        _edits.perform(_texts.text(QStringLiteral("201_Undo move")), edits::together(changes),
-                       edits::together(opposites));
+        _edits.perform(_texts.text(QStringLiteral("201_Undo move")), edits::together(changes));
 }
 
 void TreeNodeEdits::rename(const QString& uuid, const QString& title)
@@ -123,8 +116,8 @@ void TreeNodeEdits::rename(const QString& uuid, const QString& title)
         return;
     const std::optional<QString> former = node->snapshot().fields._title;
     const std::optional<QString> wanted = title.isEmpty() ? std::nullopt : std::optional(title);
-    _edits.perform(_texts.text(QStringLiteral("201_Undo rename")), edits::rename(uuid, wanted),
-                   edits::rename(uuid, former));
+    _edits.perform(_texts.text(QStringLiteral("201_Undo rename")),
+                   {edits::rename(uuid, wanted), edits::rename(uuid, former)});
 }
 
 void TreeNodeEdits::set(Switch which, bool on, const QStringList& uuids)
@@ -134,15 +127,15 @@ void TreeNodeEdits::set(Switch which, bool on, const QStringList& uuids)
         collect(node, which, on, changing);
     if (!changing.isEmpty())
         _edits.perform(_texts.text(QStringLiteral("201_Undo setting")),
-                       edits::change(changing, [which, on](QueryCore& node) { setState(node, which, on); }),
-                       edits::change(changing, [which, on](QueryCore& node) { setState(node, which, !on); }));
+                       {edits::change(changing, [which, on](QueryCore& node) { setState(node, which, on); }),
+                        edits::change(changing, [which, on](QueryCore& node) { setState(node, which, !on); })});
 }
 
 void TreeNodeEdits::redefine(const QString& uuid, const std::function<void(QueryCore&)>& how,
                              const std::function<void(QueryCore&)>& back)
 {
-    _edits.perform(_texts.text(QStringLiteral("201_Undo edit")), edits::change({uuid}, how),
-                   edits::change({uuid}, back));
+    _edits.perform(_texts.text(QStringLiteral("201_Undo edit")),
+                   {edits::change({uuid}, how), edits::change({uuid}, back)});
 }
 
 } // namespace quarry

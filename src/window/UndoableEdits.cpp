@@ -6,26 +6,33 @@ namespace quarry {
 
 namespace {
 
+/// Edits hold the keys of the results, and the nodes, that they are about: as many as the user may still look for.
+constexpr int UndoLimit = 100;
+
 class Command final : public QUndoCommand {
 public:
-    Command(LiveTree& tree, const QString& text, TreeEdit change, TreeEdit opposite)
-        : QUndoCommand(text), _tree(tree), _change(std::move(change)), _opposite(std::move(opposite))
+    Command(LiveTree& tree, const QString& text, edits::Reversible change)
+        : QUndoCommand(text), _tree(tree), _change(std::move(change))
     {
     }
-    void redo() override { _tree.edit(_change); }
-    void undo() override { _tree.edit(_opposite); }
+    void redo() override { _tree.edit(_change.change); }
+    void undo() override { _tree.edit(_change.opposite); }
 
 private:
     LiveTree& _tree;
-    TreeEdit _change;
-    TreeEdit _opposite;
+    edits::Reversible _change;
 };
 
 } // namespace
 
-void UndoableEdits::perform(const QString& text, const TreeEdit& change, const TreeEdit& opposite)
+UndoableEdits::UndoableEdits(LiveTree& tree) : _tree(tree)
 {
-    _stack.push(new Command(_tree, text, change, opposite)); // The stack's own; pushing it makes the change.
+    _stack.setUndoLimit(UndoLimit);
+}
+
+void UndoableEdits::perform(const QString& text, const edits::Reversible& change)
+{
+    _stack.push(new Command(_tree, text, change)); // The stack's own; pushing it makes the change.
 }
 
 void UndoableEdits::performQuietly(const TreeEdit& change)

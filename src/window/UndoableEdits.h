@@ -11,10 +11,10 @@ namespace quarry {
 class UndoableEdits final {
 public:
     /// `tree` must outlive the object.
-    explicit UndoableEdits(LiveTree& tree) : _tree(tree) {}
+    explicit UndoableEdits(LiveTree& tree);
 
-    /// `text` is what "Undo" says. `opposite` brings back what was there before.
-    void perform(const QString& text, const TreeEdit& change, const TreeEdit& opposite);
+    /// `text` is what "Undo" says.
+    void perform(const QString& text, const edits::Reversible& change);
     /// For changes that nobody would look for under "Undo", such as reading a result.
     void performQuietly(const TreeEdit& change);
     [[nodiscard]] QUndoStack& stack() { return _stack; }

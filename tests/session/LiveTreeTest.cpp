@@ -169,7 +169,7 @@ TEST_F(LiveTreeTest, ADamagedFileIsNotWrittenOverUntilTheUserDecides)
     EXPECT_NE(tree.fault(), QString());
     EXPECT_EQ(contentOf(tree.damagedCopy()), damaged);
     const QueryCorePtr added = QueryCore::initWithQuery(QStringLiteral("late"));
-    tree.edit(edits::insert(added, {}, 0));
+    tree.edit(edits::insertion(added, {}, 0).change);
     EXPECT_EQ(tree.root()->numberOfChilds(), 0) << "there is nothing to edit";
     EXPECT_TRUE(tree.flush());
     EXPECT_EQ(contentOf(home->databaseFile()), damaged);
@@ -217,19 +217,18 @@ TEST_F(LiveTreeTest, EveryChangeIsUndoneByItsOpposite)
     const edits::Place folderPlace = edits::placeOf(tree.root(), tree.node(garden));
     EXPECT_EQ(place.folderUuid, garden);
     EXPECT_EQ(folderPlace.folderUuid, QString());
-    const std::pair<TreeEdit, TreeEdit> pairs[] = {
+    const edits::Reversible changes[] = {
         {edits::setRead(true, named({"a"})), edits::setRead(false, named({"a"}))},
         {edits::setHidden(true, named({"a", "b"})), edits::setHidden(false, named({"a", "b"}))},
         {edits::setRating(4, named({"b"})), edits::setRating(0, named({"b"}))},
-        {edits::excludeHost(pond, QStringLiteral("one.example")),
-         edits::includeHost(node, QStringLiteral("one.example"))},
-        {edits::remove(pond), edits::insert(node, place.folderUuid, place.index)},
+        edits::exclusion(pond, QStringLiteral("one.example")),
+        edits::removal(tree.root(), node),
         {edits::move(pond, QString(), 0), edits::move(pond, place.folderUuid, place.index)},
         {edits::move(garden, QString(), 5), edits::move(garden, folderPlace.folderUuid, folderPlace.index)},
         {edits::rename(bread, QStringLiteral("x")), edits::rename(bread, std::nullopt)},
     };
     const QString before = describe();
-    for (const auto& [change, opposite] : pairs) {
+    for (const auto& [change, opposite] : changes) {
         tree.edit(change);
         const QString changed = describe();
         EXPECT_NE(changed, before);

@@ -186,6 +186,35 @@ TEST_F(MainWindowTest, NodesAreDraggedIntoFoldersAndBack)
     EXPECT_EQ(child(u"pond"_s, garden), pond);
 }
 
+TEST_F(MainWindowTest, WhatIsDoneAgainAndTakenBackKeepsWhatCameMeanwhile)
+{
+    openAt(pond);
+    const auto undo = [this] { QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier); };
+    const auto redo = [this] { QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier); };
+    list().selectRow(0);
+    QTest::keyClick(&list(), Qt::Key_X);
+    clickTree(u"bread"_s);
+    window->actions().removeNode->trigger();
+    undo();
+    undo();
+    ASSERT_TRUE(window->saveNow());
+    edit([this](Engine& database) {
+        database.queryForUUID(bread)->restoreResults({result(u"crumb"_s, 800000000.0)}, {});
+        database.queryForUUID(pond)->restoreResults(
+            {result(u"more"_s, 800000000.0).withUrl(*Url::fromText(u"http://r60.example/more"_s))}, {});
+    });
+    const auto results = [this](const QString& uuid) { return window->tree().counts().of(uuid).results; };
+    ASSERT_TRUE(happens([&] { return results(pond) == 61 && results(bread) == 1; }));
+    redo();
+    EXPECT_EQ(results(pond), 59);
+    redo();
+    EXPECT_FALSE(window->tree().node(bread));
+    undo();
+    undo();
+    EXPECT_EQ(results(bread), 1);
+    EXPECT_EQ(results(pond), 61);
+}
+
 TEST_F(MainWindowTest, HiddenResultsAreShownOnRequestAndComeBack)
 {
     openAt(pond);
