@@ -92,7 +92,7 @@ void MainWindow::connectNodes()
 
 void MainWindow::connectResults()
 {
-    connect(_resultsPane, &ResultsPane::currentResultChanged, this, [this] { showResult(); });
+    connect(_resultsPane, &ResultsPane::selectedResultsChanged, this, [this] { showResult(); });
     connect(_resultsPane, &ResultsPane::unreadReached, this,
             [this](const QModelIndex& row) { _resultEdits.markOpened(_resultsPane->model(), {row}); });
     connect(_resultsPane, &ResultsPane::openWanted, this, [this] { openSelected(); });
@@ -101,8 +101,6 @@ void MainWindow::connectResults()
     connect(_resultsPane, &ResultsPane::ratingWanted, this, [this](const QModelIndex& row, int rating) {
         _resultEdits.setRating(rating, _resultsPane->model(), {row});
     });
-    connect(_resultsPane->list().selectionModel(), &QItemSelectionModel::selectionChanged, this,
-            [this] { showResult(); });
 
     const auto rows = [this] { return _resultsPane->selectedRows(); };
     const ResultModel& model = _resultsPane->model();
@@ -178,10 +176,10 @@ void MainWindow::showResult()
         const ResultListing::Row& row = model.row(rows.constFirst());
         if (const QueryCorePtr query = _tree.node(model.listing().queryUuid(row)))
             _detailPane->show(row.record, *query);
+    } else if (rows.isEmpty()) {
+        _detailPane->showNothing();
     } else {
-        _detailPane->showText(rows.isEmpty() ? QString()
-                                             : filledFormat(_parts.texts.text(QStringLiteral("204_Several selected")),
-                                                            {QLocale().toString(rows.size())}));
+        _detailPane->showSeveral(rows.size());
     }
     updateActions();
 }

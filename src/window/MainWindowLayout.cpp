@@ -18,6 +18,7 @@
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QTableView>
+#include <QTextBrowser>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -85,7 +86,8 @@ void MainWindow::makePages()
     setCentralWidget(central);
 }
 
-/// Keys without Ctrl belong to the lists: everywhere else they are typed, or press a button.
+/// Keys without Ctrl belong to the lists: everywhere else they are typed, or press a button. What copies selected text
+/// elsewhere copies addresses in the list of results.
 void MainWindow::scopeKeys()
 {
     const auto scope = [](const QList<QAction*>& actions, const QList<QWidget*>& widgets) {
@@ -95,11 +97,12 @@ void MainWindow::scopeKeys()
                 widget->addAction(action);
         }
     };
-    QList<QAction*> ofResults = {_actions.markRead, _actions.markUnread, _actions.hideResult, _actions.excludeHost,
-                                 _actions.blacklistAddress};
+    QList<QAction*> ofResults = {_actions.markRead,  _actions.markUnread,  _actions.hideResult,
+                                 _actions.showAgain, _actions.excludeHost, _actions.blacklistAddress};
     ofResults.append(QList<QAction*>(_actions.rate.begin(), _actions.rate.end()));
     scope(ofResults, {&_resultsPane->list(), _detailPane});
-    scope({_actions.nextUnread}, {&_resultsPane->list(), _detailPane, _treePane});
+    scope({_actions.nextUnread}, {&_resultsPane->list(), &_detailPane->text(), _treePane});
+    scope({_actions.copyAddress}, {&_resultsPane->list()});
     scope({_actions.removeNode}, {_treePane});
 }
 

@@ -115,8 +115,10 @@ void ResultsPane::makeList(const StringTable& texts)
     connect(_list, &QTableView::customContextMenuRequested, this,
             [this](const QPoint& at) { Q_EMIT contextMenuWanted(_list->viewport()->mapToGlobal(at)); });
     connect(_list, &QTableView::activated, this, [this] { Q_EMIT openWanted(); });
-    connect(_list->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
-            [this] { Q_EMIT currentResultChanged(); });
+    connect(_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+        if (!_isTaking)
+            Q_EMIT selectedResultsChanged();
+    });
 }
 
 void ResultsPane::show(const QueryCorePtr& node, qint64 expected)
@@ -143,6 +145,7 @@ void ResultsPane::take(ResultListing listing)
     const int scroll = isSame ? _list->verticalScrollBar()->value() : 0;
     _shownUuid = uuid;
 
+    _isTaking = true;
     _loader.retire(_model.setListing(std::move(listing)));
     const QItemSelection rows = rowsOf(selected);
     if (const QModelIndex current = owner.isEmpty() ? QModelIndex() : _model.indexOf(owner, key); current.isValid())
@@ -152,10 +155,11 @@ void ResultsPane::take(ResultListing listing)
         _list->selectRow(std::min(before.row(), _model.rowCount() - 1));
     _list->selectionModel()->select(rows, QItemSelectionModel::Select);
     _list->verticalScrollBar()->setValue(scroll);
+    _isTaking = false;
     sayCount();
     if (std::exchange(_wantsUnread, false))
         selectNextUnread();
-    Q_EMIT currentResultChanged();
+    Q_EMIT selectedResultsChanged();
 }
 
 QItemSelection ResultsPane::rowsOf(const ResultSelection& results) const

@@ -46,8 +46,8 @@ public:
     void restoreColumns(const QByteArray& state);
 
 Q_SIGNALS:
-    /// Another result is current, or what is shown of it changed.
-    void currentResultChanged();
+    /// Others are selected, or what is shown of them changed.
+    void selectedResultsChanged();
     /// The user stepped to an unread result.
     void unreadReached(const QModelIndex& row);
     void openWanted();
@@ -70,6 +70,7 @@ private:
     QString _shownUuid;
     qint64 _expected = 0;
     bool _wantsUnread = false;
+    bool _isTaking = false; ///< A new listing: what was selected is being selected in it.
     QLineEdit* _search = nullptr;
     QComboBox* _order = nullptr;
     QToolButton* _hidden = nullptr;

@@ -1,10 +1,21 @@
 #include "window/WindowActions.h"
 
+#include "text/LocalisedFormat.h"
+
 #include <QApplication>
 #include <QIcon>
+#include <QLocale>
 #include <QStyle>
 
 namespace quarry {
+
+QString starsText(const StringTable& texts, int stars)
+{
+    if (stars == 0)
+        return texts.text(QStringLiteral("203_No rating"));
+    return filledFormat(texts.text(stars == 1 ? QStringLiteral("203_One star") : QStringLiteral("203_Stars")),
+                        {QLocale().toString(stars)});
+}
 
 WindowActions::WindowActions(const StringTable& texts, QObject* parent) : QObject(parent), _texts(texts)
 {
@@ -36,13 +47,13 @@ WindowActions::WindowActions(const StringTable& texts, QObject* parent) : QObjec
     markUnread = make(u"203_Mark unread", {Qt::Key_U});
     markAllRead = make(u"203_Mark all read", {Qt::CTRL | Qt::SHIFT | Qt::Key_M});
     hideResult = make(u"203_Hide", {Qt::Key_H, QKeySequence::Delete});
-    showAgain = make(u"203_Show again");
+    showAgain = make(u"203_Show again", {Qt::Key_H});
     excludeHost = make(u"203_Exclude host", {Qt::Key_X});
     blacklistAddress = make(u"203_Blacklist address", {Qt::Key_B});
     copyAddress = make(u"203_Copy address", {QKeySequence::Copy});
     for (int stars = 0; stars <= MostStars; ++stars) {
         QAction* const action = make(u"203_Rate", {QKeySequence(Qt::Key_0 + stars)});
-        action->setText(stars == 0 ? _texts.text(QStringLiteral("203_No rating")) : QString(stars, u'★'));
+        action->setText(starsText(_texts, stars));
         action->setData(stars);
         rate.at(static_cast<std::size_t>(stars)) = action;
     }

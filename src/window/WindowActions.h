@@ -10,6 +10,9 @@
 
 namespace quarry {
 
+/// "3 stars"; "No rating" for 0.
+[[nodiscard]] QString starsText(const StringTable& texts, int stars);
+
 /// Every command of the window, once: menus, context menus, buttons and keys are the same actions.
 class WindowActions final : public QObject {
     Q_OBJECT
@@ -48,7 +51,7 @@ public:
     QAction* markUnread;
     QAction* markAllRead;
     QAction* hideResult;
-    QAction* showAgain; ///< For hidden results.
+    QAction* showAgain; ///< For hidden results; takes the place and the key of hideResult.
     QAction* excludeHost;
     QAction* blacklistAddress;
     QAction* copyAddress;

@@ -1,9 +1,13 @@
 #include "WindowRig.h"
+#include "window/DetailPane.h"
 
 #include <QClipboard>
+#include <QLabel>
 #include <QMenu>
 #include <QProcess>
 #include <QScrollBar>
+#include <QTextBrowser>
+#include <QTimer>
 #include <QToolButton>
 
 using namespace Qt::Literals::StringLiterals;
@@ -35,6 +39,17 @@ protected:
         hand.start(u"xdotool"_s, arguments);
         EXPECT_TRUE(happens([&hand] { return hand.state() == QProcess::NotRunning; }));
         EXPECT_EQ(hand.exitCode(), 0);
+    }
+    DetailPane& detail() { return *window->findChild<DetailPane*>(); }
+    /// The button of that action beside the selected result.
+    QToolButton* button(const QAction* action)
+    {
+        for (QToolButton* const each : detail().findChildren<QToolButton*>()) {
+            if (each->defaultAction() == action || (each->menu() && each->menu()->actions().contains(action)))
+                return each;
+        }
+        ADD_FAILURE() << "no button for " << action->text().toStdString();
+        return nullptr;
     }
     QPoint onScreen(const QPoint& inTree) { return window->treePane().viewport()->mapToGlobal(inTree); }
 };
@@ -228,12 +243,48 @@ TEST_F(MainWindowTest, HiddenResultsAreShownOnRequestAndComeBack)
     ASSERT_TRUE(hidden);
     QTest::mouseClick(hidden, Qt::LeftButton);
     EXPECT_EQ(shownTitles(), (QStringList{u"r60"_s, u"r59"_s}));
-    EXPECT_FALSE(window->actions().hideResult->isVisible());
+    EXPECT_FALSE(button(window->actions().hideResult)->isVisible());
     list().selectAll();
-    window->actions().showAgain->trigger();
+    EXPECT_TRUE(button(window->actions().showAgain)->isVisible()) << "what works on one works on several";
+    QTest::keyClick(&list(), Qt::Key_H);
     EXPECT_EQ(list().model()->rowCount(), 0);
     QTest::mouseClick(hidden, Qt::LeftButton);
     EXPECT_EQ(list().model()->rowCount(), 60);
+}
+
+TEST_F(MainWindowTest, TheDetailsCanBeReadCopiedAndPressed)
+{
+    edit([this](Engine& database) {
+        database.queryForUUID(pond)->restoreResults(
+            {result(u"long"_s, 900000000.0).withTextFromPage(u"word "_s.repeated(3000))}, {});
+    });
+    openAt(pond);
+    list().selectRow(0);
+    EXPECT_TRUE(detail().findChild<QLabel*>()->text().contains(u"no digest"_s));
+    auto* const text = detail().findChild<QTextBrowser*>();
+    text->verticalScrollBar()->setValue(50);
+    QTest::mouseDClick(text->viewport(), Qt::LeftButton, {}, text->viewport()->rect().center());
+    edit([this](Engine& database) {
+        database.queryForUUID(pond)->restoreResults({result(u"aged"_s, 700000000.0)}, {});
+    });
+    ASSERT_TRUE(happens([this] { return list().model()->rowCount() == 62; }));
+    EXPECT_EQ(text->verticalScrollBar()->value(), 50);
+    text->setFocus();
+    QTest::keyClick(text, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), u"word"_s);
+    QTest::keyClick(text, Qt::Key_Space);
+    EXPECT_EQ(current(), u"r60"_s);
+
+    button(window->actions().hideResult)->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    EXPECT_EQ(list().model()->rowCount(), 61);
+    list().selectAll();
+    QTimer::singleShot(0, [] { // The click comes back when the menu is closed.
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Up);
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
+    });
+    QTest::mouseClick(button(window->actions().rate[4]), Qt::LeftButton);
+    EXPECT_EQ(list().model()->index(60, 0).data(ResultModel::RatingRole).toInt(), 5);
 }
 
 TEST_F(MainWindowTest, TheMenuKeyOffersTheCommandsOfANode)

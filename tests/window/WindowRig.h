@@ -35,6 +35,7 @@ inline ResultRecord result(const QString& name, double found)
         .withTitle(name)
         .withLinkUuid(name)
         .withEngineId(QStringLiteral("5"))
+        .withChecksum(QString(QLatin1String(""))) // As a service's records come.
         .withDateOfFind(Date(found));
 }
 
