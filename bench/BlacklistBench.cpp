@@ -2,6 +2,7 @@
 // prepared beforehand that can be. Both must name the same rule for every address; then the medians are printed.
 
 #include "BlacklistSamples.h"
+#include "Times.h"
 #include "blacklist/BlacklistMatcher.h"
 
 #include <locale.h>
@@ -10,7 +11,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <memory>
 #include <string>
 #include <vector>
@@ -28,20 +28,6 @@ class NoLog final : public Logger {
 public:
     void logString(const QString& text) override { std::printf("%s\n", qPrintable(text)); }
 };
-
-/// Processor time: what else runs on the machine does not count.
-template <typename Work>
-double medianSeconds(const Work& work)
-{
-    std::vector<double> seconds;
-    for (int run = 0; run < Runs; ++run) {
-        const std::clock_t begin = std::clock();
-        work();
-        seconds.push_back(static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC);
-    }
-    std::sort(seconds.begin(), seconds.end());
-    return seconds[seconds.size() / 2];
-}
 
 bool holds(const std::string& text, const std::string& part)
 {
@@ -180,8 +166,8 @@ bool measure(const char* name, const QList<BlacklistRule>& rules, const QList<QS
         std::printf("%s: the two sides differ\n", name);
         return false;
     }
-    const double ours = medianSeconds([&] { (void)answersOf(matcher, addresses); });
-    const double theirs = medianSeconds([&] { (void)plain.run(); });
+    const double ours = bench::Times(Runs, [&] { (void)answersOf(matcher, addresses); }).median();
+    const double theirs = bench::Times(Runs, [&] { (void)plain.run(); }).median();
     const double tests = testCount(expected);
     std::printf(
         "%-12s %d rules, %lld addresses, %lld caught: %8.1f million tests/s   rule by rule %8.1f   %5.1f times\n", name,

@@ -2,17 +2,15 @@
 // its peak memory is its own.
 
 #include "BenchTree.h"
+#include "RoleRuns.h"
 #include "SqliteTree.h"
 #include "model/QueryArchive.h"
 #include "platform/FileStore.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
 #include <QTemporaryDir>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -23,14 +21,6 @@
 namespace quarry::bench {
 
 namespace {
-
-struct Options {
-    int queries = 1000;
-    int results = 100;
-    int runs = 5;
-    std::string role;
-    std::string folder;
-};
 
 struct Sample {
     double seconds = 0.0;
@@ -111,7 +101,7 @@ int measured(const Action& action)
     std::_Exit(ok ? 0 : 1);
 }
 
-int runRole(const Options& options)
+int runRole(const TreeOptions& options)
 {
     const QString folder = QString::fromStdString(options.folder);
     if (options.role == "make") {
@@ -136,9 +126,9 @@ int runRole(const Options& options)
 
 class Measurements final {
 public:
-    Measurements(const Options& options, const QString& folder) : _options(options), _folder(folder) {}
+    Measurements(const TreeOptions& options, const QString& folder) : _options(options), _folder(folder) {}
 
-    bool make() { return start("make").exitCode == 0; }
+    bool make() { return outputOfRole(_options, "make", _folder).has_value(); }
 
     /// Measures each role in turn, and again, so that whatever else the machine does falls on all of them. False when
     /// one failed.
@@ -146,9 +136,9 @@ public:
     {
         for (int i = 0; i < _options.runs; ++i) {
             for (const char* role : roles) {
-                const Outcome outcome = start(role);
-                const QList<QByteArray> words = outcome.output.trimmed().split(' ');
-                if (outcome.exitCode != 0 || words.size() != 2)
+                const QList<QByteArray> words =
+                    outputOfRole(_options, role, _folder).value_or(QByteArray()).trimmed().split(' ');
+                if (words.size() != 2)
                     return false;
                 _samples[role].push_back({words[0].toDouble(), words[1].toDouble()});
             }
@@ -166,30 +156,12 @@ public:
     }
 
 private:
-    struct Outcome {
-        int exitCode = -1;
-        QByteArray output;
-    };
-
-    Outcome start(const char* role)
-    {
-        QProcess child;
-        child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        child.start(QCoreApplication::applicationFilePath(),
-                    {QStringLiteral("--role"), QString::fromLatin1(role), QStringLiteral("--folder"), _folder,
-                     QStringLiteral("--queries"), QString::number(_options.queries), QStringLiteral("--results"),
-                     QString::number(_options.results)});
-        if (!child.waitForFinished(-1) || child.exitStatus() != QProcess::NormalExit)
-            return {};
-        return {child.exitCode(), child.readAllStandardOutput()};
-    }
-
-    Options _options;
+    TreeOptions _options;
     QString _folder;
     std::map<std::string, std::vector<Sample>> _samples;
 };
 
-int report(const Options& options)
+int report(const TreeOptions& options)
 {
     const QTemporaryDir folder(QDir::currentPath() + QStringLiteral("/bench-database-XXXXXX"));
     Measurements measure(options, folder.path());
@@ -221,13 +193,10 @@ int report(const Options& options)
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    quarry::bench::Options options;
+    quarry::bench::TreeOptions options;
+    options.results = 100;
     CLI::App arguments("Measures load and save of a large database beside SQLite");
-    arguments.add_option("--queries", options.queries, "Number of queries");
-    arguments.add_option("--results", options.results, "Results of each query");
-    arguments.add_option("--runs", options.runs, "Runs of each measurement; the median counts");
-    arguments.add_option("--role", options.role, "One measurement, in this process")->group("");
-    arguments.add_option("--folder", options.folder, "Where the files of a measurement are")->group("");
+    options.addTo(arguments);
     CLI11_PARSE(arguments, argc, argv);
     return options.role.empty() ? quarry::bench::report(options) : quarry::bench::runRole(options);
 }

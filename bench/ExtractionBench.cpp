@@ -2,14 +2,13 @@
 // same pages. Both must find the same; then the median of the runs is printed for each.
 
 #include "ResultPageMaker.h"
+#include "Times.h"
 #include "TreeExtraction.h"
 #include "engines/PageExtraction.h"
 #include "engines/ServiceFetcher.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
-#include <vector>
 
 namespace {
 
@@ -41,21 +40,6 @@ bool sameRecords(const ResultList& scanned, const ResultList& parsed, const QByt
     return isSame;
 }
 
-/// Processor time: what else runs on the machine does not count.
-template <typename Work>
-double secondsOf(const Work& work)
-{
-    const std::clock_t begin = std::clock();
-    work();
-    return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
 bool measure(SearchService service, qsizetype size)
 {
     const QByteArray page = bench::makeResultPage(service, size);
@@ -63,18 +47,14 @@ bool measure(SearchService service, qsizetype size)
     const ResultList scanned = scannedRecords(service, page);
     if (!sameRecords(scanned, tree.records(page, Now), page))
         return false;
-    std::vector<double> ours, theirs;
     qsizetype found = 0;
     // Not in turn: memory that one side frees in small pieces is tidied at the other's expense.
-    for (int run = 0; run < Runs; ++run)
-        ours.push_back(secondsOf([&] { found += scannedRecords(service, page).size(); }));
-    for (int run = 0; run < Runs; ++run)
-        theirs.push_back(secondsOf([&] { found += tree.records(page, Now).size(); }));
+    const double ours = bench::Times(Runs, [&] { found += scannedRecords(service, page).size(); }).median();
+    const double theirs = bench::Times(Runs, [&] { found += tree.records(page, Now).size(); }).median();
     const double megabytes = static_cast<double>(page.size()) / 1e6;
     std::printf("%-8s %8.0f KB %5lld results  scan %8.3f ms %6.0f MB/s   libxml2 %8.3f ms %6.0f MB/s   %5.1f times\n",
                 qPrintable(searchServiceName(service)), megabytes * 1e3, static_cast<long long>(scanned.size()),
-                median(ours) * 1e3, megabytes / median(ours), median(theirs) * 1e3, megabytes / median(theirs),
-                median(theirs) / median(ours));
+                ours * 1e3, megabytes / ours, theirs * 1e3, megabytes / theirs, theirs / ours);
     return found == scanned.size() * 2 * Runs;
 }
 

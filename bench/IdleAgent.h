@@ -11,6 +11,7 @@
 #include "platform/desktop/DesktopNotifications.h"
 #include "platform/desktop/SessionBus.h"
 #include "platform/linux/LinuxProcessTable.h"
+#include "support/DesktopDoubles.h"
 
 #include <QTemporaryDir>
 
@@ -41,22 +42,13 @@ public:
     /// Works through that many seconds of its life as fast as it can; the clock moves along.
     void tick(int count);
     /// Refreshes it has started.
-    [[nodiscard]] int launches() const { return _workspace.launches; }
+    [[nodiscard]] int launches() const { return int(_workspace.opened.size()); }
 
 private:
     class MovingClock final : public Clock {
     public:
         [[nodiscard]] Date now() const override { return SystemClock().now().plusSeconds(ahead); }
         double ahead = 0.0;
-    };
-    class CountingWorkspace final : public Workspace {
-    public:
-        bool openBundle(const QString&) override { return ++launches > 0; }
-        bool openFile(const QString&, const QString&) override { return false; }
-        bool openAddress(const QString&) override { return false; }
-        bool launch(const QString&, const QStringList&) override { return false; }
-        bool moveToTrash(const QString&) override { return false; }
-        int launches = 0;
     };
     class NoAlerts final : public Alerts {
     public:
@@ -84,7 +76,7 @@ private:
     QtEventTimers _events;
     SessionBus _bus;
     LinuxProcessTable _processes;
-    CountingWorkspace _workspace;
+    test::NotingWorkspace _workspace;
     DBusNotifications _distributed{_bus};
     DesktopNotifications _notifications;
     XdgLoginItems _loginItems;

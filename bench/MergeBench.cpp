@@ -2,13 +2,13 @@
 // Beside it the plain ways of telling known links: each pair compared, and a hash table of whole addresses, which
 // knows less but is as fast as it gets. All sides must add the same links; medians of several runs are printed.
 
+#include "Times.h"
 #include "engines/ResultMerge.h"
 #include "text/Url.h"
 #include "text/Uuid.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -16,29 +16,10 @@
 namespace {
 
 using namespace quarry;
+using bench::Times;
 
 constexpr int Runs = 9;
 constexpr int Incoming = 200;
-
-/// Processor time: what else runs on the machine does not count.
-class Times final {
-public:
-    template <typename Work>
-    explicit Times(const Work& work)
-    {
-        for (int run = 0; run < Runs; ++run) {
-            const std::clock_t begin = std::clock();
-            work();
-            _seconds.push_back(static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC);
-        }
-        std::sort(_seconds.begin(), _seconds.end());
-    }
-    [[nodiscard]] double median() const { return _seconds[_seconds.size() / 2]; }
-    [[nodiscard]] double best() const { return _seconds.front(); }
-
-private:
-    std::vector<double> _seconds;
-};
 
 QString address(int page, int query)
 {
@@ -185,7 +166,7 @@ bool intoFew()
         return false;
     qint64 sum = 0;
     const auto thousand = [&](const auto& once) {
-        return Times([&] {
+        return Times(Runs, [&] {
             for (int i = 0; i < Times1000; ++i)
                 sum += once();
         });
@@ -212,10 +193,10 @@ bool intoMany()
     if (!isSame("into 100,000", merged(query, links), Incoming / 2) || !isSame("many", merged(query, many), Many / 2))
         return false;
     qint64 sum = 0;
-    const Times none([&] { sum += merged(query, {}); });
-    const Times few([&] { sum += merged(query, links); });
-    const Times ours([&] { sum += merged(query, many); });
-    const Times floor([&] { sum += whole.run(); });
+    const Times none(Runs, [&] { sum += merged(query, {}); });
+    const Times few(Runs, [&] { sum += merged(query, links); });
+    const Times ours(Runs, [&] { sum += merged(query, many); });
+    const Times floor(Runs, [&] { sum += whole.run(); });
     std::printf("into %d known ones\n", Known);
     print("0 links, known ones looked at", none, Known);
     print("200 links, known and incoming", few, Known + Incoming);

@@ -2,11 +2,13 @@
 // holds up the keyboard meanwhile. Starts are processes of their own. Without a screen it draws into memory.
 
 #include "BenchTree.h"
+#include "RoleRuns.h"
 #include "SqliteTree.h"
 #include "archive/StringTable.h"
 #include "model/QueryArchive.h"
 #include "platform/FileStore.h"
 #include "platform/QtEventTimers.h"
+#include "support/DesktopDoubles.h"
 #include "window/MainWindow.h"
 #include "window/ResultsPane.h"
 #include "window/TreePane.h"
@@ -15,11 +17,9 @@
 #include <QDir>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QProcess>
 #include <QTableView>
 #include <QTemporaryDir>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -33,12 +33,7 @@ namespace quarry::bench {
 
 namespace {
 
-struct Options {
-    int queries = 1000;
-    int results = 1000;
-    int runs = 5;
-    std::string role;
-    std::string folder;
+struct Options : TreeOptions {
     qint64 started = 0; ///< By steady_clock, which all processes share.
 };
 
@@ -93,21 +88,6 @@ QString sqlitePath(const HomeFolder& home)
 {
     return home.supportFolder() + QStringLiteral("/Database.sqlite");
 }
-
-class NoWorkspace final : public Workspace {
-public:
-    bool openBundle(const QString&) override { return true; }
-    bool openFile(const QString&, const QString&) override { return true; }
-    bool openAddress(const QString&) override { return true; }
-    bool launch(const QString&, const QStringList&) override { return true; }
-    bool moveToTrash(const QString&) override { return true; }
-};
-
-class NoNotifications final : public DistributedNotifications {
-public:
-    void post(const QString&, const UserInfo&) override {}
-    void addObserver(const QString&, Observer) override {}
-};
 
 /// The window with the real parts, and a stop watch that sees how long the main thread is busy at a stretch.
 class Desk final {
@@ -196,8 +176,8 @@ private:
     DiskFileStore _files;
     NotificationCenter _center;
     QtEventTimers _timers;
-    NoWorkspace _workspace;
-    NoNotifications _distributed;
+    test::NotingWorkspace _workspace;
+    test::LocalNotifications _distributed;
     MainWindow _window{
         WindowParts{{_home, _clock, _pauser, _files, _center, _timers}, _workspace, _distributed, _texts, {}}};
     QList<QueryCorePtr> _queries;
@@ -361,16 +341,11 @@ public:
 
     bool run(const char* role)
     {
-        QProcess child;
-        child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        child.start(QCoreApplication::applicationFilePath(),
-                    {QStringLiteral("--role"), QString::fromLatin1(role), QStringLiteral("--folder"), _folder,
-                     QStringLiteral("--queries"), QString::number(_options.queries), QStringLiteral("--results"),
-                     QString::number(_options.results), QStringLiteral("--started"),
-                     QString::number(nanosecondsNow())});
-        if (!child.waitForFinished(-1) || child.exitStatus() != QProcess::NormalExit || child.exitCode() != 0)
+        const auto output =
+            outputOfRole(_options, role, _folder, {QStringLiteral("--started"), QString::number(nanosecondsNow())});
+        if (!output)
             return false;
-        const QList<QByteArray> lines = child.readAllStandardOutput().split('\n');
+        const QList<QByteArray> lines = output->split('\n');
         for (const QByteArray& line : lines) {
             if (const QList<QByteArray> words = line.split('\t'); words.size() == 3)
                 _samples[words[0].toStdString()].push_back({words[1].toDouble(), words[2].toDouble()});
@@ -475,11 +450,7 @@ int main(int argc, char** argv)
     const QApplication application(argc, argv);
     quarry::bench::Options options;
     CLI::App arguments("Measures the main window over a large database");
-    arguments.add_option("--queries", options.queries, "Number of queries");
-    arguments.add_option("--results", options.results, "Results of each query");
-    arguments.add_option("--runs", options.runs, "Starts; the median counts");
-    arguments.add_option("--role", options.role, "One measurement, in this process")->group("");
-    arguments.add_option("--folder", options.folder, "The home folder of a measurement")->group("");
+    options.addTo(arguments);
     arguments.add_option("--started", options.started, "When this process was started")->group("");
     CLI11_PARSE(arguments, argc, argv);
     return options.role.empty() ? quarry::bench::report(options) : quarry::bench::runRole(options);
