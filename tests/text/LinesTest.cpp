@@ -2,29 +2,16 @@
 
 #include "text/Addresses.h"
 #include "text/Data.h"
-
-#include <gtest/gtest.h>
+#include "text/TextTable.h"
 
 namespace quarry {
 namespace {
 
-struct Case {
-    QString in, out;
-};
-
-template <size_t N>
-void expectAll(QString (*operation)(const QString&), const Case (&cases)[N])
-{
-    for (const Case& c : cases)
-        EXPECT_EQ(operation(c.in), c.out) << qPrintable(c.in);
-}
-
 TEST(Lines, AreTrimmedAndTakenApart)
 {
-    expectAll(trim, {{u"\u00a0\u2003\v\f\u0085\u2028 a b\r\n"_qs, u"a b"_qs}, {u"\u3000"_qs, u""_qs}});
-    expectAll(firstWord, {{u"\t one two"_qs, u"one"_qs}, {u" one\ttwo "_qs, u"one\ttwo"_qs}, {u""_qs, u""_qs}});
-    expectAll(firstNonBlankLine,
-              {{u" \t\n\r \v x y \t\rz"_qs, u"\v x y"_qs}, {u"a"_qs, u"a"_qs}, {u" \n\t"_qs, u""_qs}});
+    expectAll(trim, u"\u00a0\u2003\v\f\u0085\u2028 a b\r\n→a b¦\u3000→");
+    expectAll(firstWord, u"\t one two→one¦ one\ttwo →one\ttwo¦→");
+    expectAll(firstNonBlankLine, u" \t\n\r \v x y \t\rz→\v x y¦a→a¦ \n\t→");
     EXPECT_TRUE(isBlank(u" \u00a0\n"));
     EXPECT_TRUE(isBlank(u""));
     EXPECT_FALSE(isBlank(u" \u200b"));
@@ -57,49 +44,31 @@ TEST(Lines, CompareDigitsByTheirValue)
 
 TEST(Lines, HexadecimalPairsAreReadAsUtf8)
 {
-    expectAll(hexaToAscii, {{u" #4a4B "_qs, u"JK"_qs},
-                            {u"c3a9"_qs, u"\u00e9"_qs},
-                            {u"g1"_qs, u"\x01"_qs},
-                            {u"4g"_qs, u"@"_qs},
-                            {u"414"_qs, u"A"_qs},
-                            {u"4"_qs, u""_qs},
-                            {u"ff"_qs, u""_qs},
-                            {u""_qs, u""_qs}});
+    expectAll(hexaToAscii, u" #4a4B →JK¦c3a9→\u00e9¦g1→\x01¦4g→@¦414→A¦4→¦ff→¦→");
 }
 
 TEST(Addresses, LoseAndGainComponents)
 {
-    expectAll(stringByDeletingLastURLComponent, {{u"http://h/a/b"_qs, u"http://h/a"_qs},
-                                                 {u"http://h/a/"_qs, u"http://h"_qs},
-                                                 {u"http://h/"_qs, u"http://h/"_qs},
-                                                 {u"http://h"_qs, u"http://h"_qs},
-                                                 {u"a/b"_qs, u"a"_qs},
-                                                 {u"/a"_qs, u"/a"_qs},
-                                                 {u"/"_qs, u"/"_qs},
-                                                 {u""_qs, u""_qs}});
+    expectAll(stringByDeletingLastURLComponent, u"http://h/a/b→http://h/a¦http://h/a/→http://h¦http://h/→http://h/¦"
+                                                u"http://h→http://h¦a/b→a¦/a→/a¦/→/¦→");
     EXPECT_EQ(stringByAppendingURLComponent(u"http://h"_qs, u"/a"), u"http://h/a"_qs);
     EXPECT_EQ(stringByAppendingURLComponent(u"http://h/"_qs, u"//a"), u"http://h//a"_qs);
     EXPECT_EQ(stringByAppendingURLComponent(QString(), u"/a"), u"a"_qs);
-    expectAll(baseURL, {{u"http://me@h.org:80/a"_qs, u"h.org"_qs},
-                        {u"just text"_qs, u"just text"_qs},
-                        {u"http://a b/"_qs, u"http://a b/"_qs}});
-    expectAll(convertStringToValidPath, {{u"a.b/c?d*e\\"_qs, u"a_b_c_d_e\\"_qs}});
+    expectAll(baseURL, u"http://me@h.org:80/a→h.org¦just text→just text¦http://a b/→http://a b/");
+    expectAll(convertStringToValidPath, u"a.b/c?d*e\\→a_b_c_d_e\\");
 }
 
 TEST(Addresses, ImagesAreMadeAbsolute)
 {
-    const Case cases[] = {
-        {u"<img src=\"a b.png\"><img alt=\"\" src=\"http://x/y z\"><IMG src=\"c\">"_qs,
-         u"<img src=\"http://h/d/a%20b.png\"><img alt=\"\" src=\"http://x/y z\"><IMG src=\"c\">"_qs},
-        {u"<img><img src=\"/c\" src=\"d\"> x"_qs, u"<img><img src=\"http://h/c\" src=\"d\"> x"_qs},
-        {u"<img src=\"open"_qs, u"<img src=\"open"_qs},
-        {u"<img src=\"//a b/\"> src=\"q\""_qs, u"<img src=\"//a b/\"> src=\"q\""_qs},
-    };
-    for (const Case& c : cases) {
-        QString text = c.in;
+    const auto fixed = [](QString text) {
         fixupRelativeImgTags(text, u"http://h/d/page one.html"_qs);
-        EXPECT_EQ(text, c.out);
-    }
+        return text;
+    };
+    expectAll(fixed, u"<img src=\"a b.png\"><img alt=\"\" src=\"http://x/y z\"><IMG src=\"c\">→"
+                     u"<img src=\"http://h/d/a%20b.png\"><img alt=\"\" src=\"http://x/y z\"><IMG src=\"c\">¦"
+                     u"<img><img src=\"/c\" src=\"d\"> x→<img><img src=\"http://h/c\" src=\"d\"> x¦"
+                     u"<img src=\"open→<img src=\"open¦"
+                     u"<img src=\"//a b/\"> src=\"q\"→<img src=\"//a b/\"> src=\"q\"");
 }
 
 TEST(Data, IsCompressedToAPlainStreamAndBack)
