@@ -1,12 +1,9 @@
 #pragma once
 
 #include "model/QueryCore.h"
-
-#include <QString>
+#include "support/QtPrinting.h"
 
 #include <gtest/gtest.h>
-
-#include <ostream>
 
 namespace quarry {
 
@@ -44,9 +41,3 @@ inline QString titlesOf(const std::optional<ResultList>& records)
 }
 
 } // namespace quarry
-
-/// Shows texts in failure messages.
-inline void PrintTo(const QString& text, std::ostream* out)
-{
-    *out << '"' << text.toStdString() << '"';
-}

@@ -4,6 +4,8 @@
 #include "support/ArchiveJson.h"
 #include "support/ArchiveVariants.h"
 
+#include <QRegularExpression>
+
 #include <gtest/gtest.h>
 
 namespace quarry {
@@ -72,81 +74,80 @@ TEST(QueryArchive, EverySpellingOfTheBinaryFormReadsTheSame)
     }
 }
 
-/// A tree in the XML form: a root with one query, which has what the placeholder stands for.
-QByteArray xmlTree(const QByteArray& entries, const QByteArray& objects)
+/// A tree in the XML form: a root with one query, which has these entries. "@7" stands for a reference to object 7,
+/// "<of 7>" for the beginning of an object of class 7. Further objects are counted from 10.
+QByteArray xmlTree(const QByteArray& entries = {}, const QByteArray& objects = {})
 {
-    const auto uid = [](int number) {
-        return "<dict><key>CF$UID</key><integer>" + QByteArray::number(number) + "</integer></dict>";
-    };
-    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
-           "<key>$archiver</key><string>NSKeyedArchiver</string><key>$version</key><integer>100000</integer>"
-           "<key>$top</key><dict><key>tree</key>" +
-           uid(1) +
-           "</dict><key>$objects</key><array>"
-           "<string>$null</string>"
-           "<dict><key>$class</key>" +
-           uid(3) + "<key>queryChildsKey</key><array>" + uid(2) +
-           "</array>"
-           "<key>queryIsGroupKey</key><true/></dict>"
-           "<dict><key>$class</key>" +
-           uid(3) + entries +
-           "</dict>"
-           "<dict><key>$classname</key><string>QueryCore</string></dict>"
-           "<dict><key>$classname</key><string>NSMutableString</string></dict>"
-           "<dict><key>$classname</key><string>NSDictionary</string></dict>"
-           "<dict><key>$classname</key><string>NSURL</string></dict>"
-           "<dict><key>$classname</key><string>NSDate</string></dict>"
-           "<dict><key>$classname</key><string>NSNumber</string></dict>"
-           "<dict><key>$classname</key><string>NSArray</string></dict>" +
-           objects + "</array></dict></plist>";
+    QByteArray text = R"(<?xml version="1.0" encoding="UTF-8"?>
+        <plist version="1.0"><dict><key>$archiver</key><string>NSKeyedArchiver</string>
+        <key>$version</key><integer>100000</integer><key>$top</key><dict><key>tree</key>@1</dict>
+        <key>$objects</key><array><string>$null</string>
+        <of 3><key>queryChildsKey</key><array>@2</array><key>queryIsGroupKey</key><true/></dict><of 3>)";
+    text += entries + "</dict>";
+    for (const char* name : {"QueryCore", "NSMutableString", "NSDictionary", "NSURL", "NSDate", "NSNumber", "NSArray"})
+        text += "<dict><key>$classname</key><string>" + QByteArray(name) + "</string></dict>";
+    text += objects + "</array></dict></plist>";
+    static const QRegularExpression Class(QStringLiteral("<of (\\d+)>"));
+    static const QRegularExpression Reference(QStringLiteral("@(\\d+)"));
+    return QString::fromUtf8(text)
+        .replace(Class, QStringLiteral("<dict><key>$class</key>@\\1"))
+        .replace(Reference, QStringLiteral("<dict><key>CF$UID</key><integer>\\1</integer></dict>"))
+        .toUtf8();
 }
 
-QByteArray reference(int uid)
-{
-    return "<dict><key>CF$UID</key><integer>" + QByteArray::number(uid) + "</integer></dict>";
-}
+/// A class that no program knows.
+const QByteArray Later = "<dict><key>$classname</key><string>Later</string></dict>";
 
 QueryCorePtr onlyChild(const LoadedTree& tree)
 {
     return tree.root && tree.root->childs() ? tree.root->childs()->value(0) : nullptr;
 }
 
+/// The only query of a saved tree, read entry by entry.
+struct SavedQuery {
+    explicit SavedQuery(const QByteArray& bytes) : opened(KeyedArchive::open(bytes)), reader(opened.archive)
+    {
+        EXPECT_TRUE(opened.archive) << opened.reason.toStdString();
+        query = at(entry(reader.root(), "queryChildsKey"), 0);
+    }
+    ArchivedValue entry(const ArchivedValue& value, const char* name)
+    {
+        return reader.entry(value, QLatin1String(name));
+    }
+    ArchivedValue at(const ArchivedValue& list, std::size_t index)
+    {
+        return reader.value(reader.list(list)->at(index));
+    }
+    bool isTrue(const ArchivedValue& value, const char* name)
+    {
+        return entry(value, name).item.type == PlistItem::Type::True;
+    }
+
+    KeyedArchive::Opened opened;
+    ArchiveReader reader;
+    ArchivedValue query;
+};
+
 TEST(QueryArchive, BoxedOldAndInPlaceFormsAreRead)
 {
-    const QByteArray objects =
-        // 10: a text in UTF-8 bytes, 11: a boxed text, 12: a record in the older spelling
-        "<dict><key>$class</key>" + reference(4) +
-        "<key>NS.bytes</key><data>5pel5pys</data></dict>"
-        "<dict><key>$class</key>" +
-        reference(4) +
-        "<key>NS.string</key><string>boxed</string></dict>"
-        "<dict><key>$class</key>" +
-        reference(5) + "<key>NS.key.0</key><string>title Result Key</string><key>NS.object.0</key>" + reference(10) +
-        "<key>NS.key.1</key><string>link rank key</string><key>NS.object.1</key><real>7</real>"
-        "<key>NS.key.2</key><string>User saw this link key</string><key>NS.object.2</key><integer>1</integer>"
-        "<key>NS.key.3</key><string>dateoffindKey</string><key>NS.object.3</key>" +
-        reference(13) + "<key>NS.key.4</key><string>URL Result Key</string><key>NS.object.4</key>" + reference(14) +
-        "<key>NS.key.5</key><string>item rating key</string><key>NS.object.5</key>" + reference(16) +
-        "</dict>"
-        "<dict><key>$class</key>" +
-        reference(7) +
-        "<key>NS.time</key><integer>-5</integer></dict>"
-        "<dict><key>$class</key>" +
-        reference(6) + "<key>NS.base</key>" + reference(15) +
-        "<key>NS.relative</key><string>../b?c</string></dict>"
-        "<dict><key>$class</key>" +
-        reference(6) + "<key>NS.base</key>" + reference(0) +
-        "<key>NS.relative</key><string>http://example.org/x/y</string></dict>"
-        "<dict><key>$class</key>" +
-        reference(8) + "<key>NS.intval</key><integer>3</integer></dict>";
-    const QByteArray entries = "<key>queryStringKey</key>" + reference(11) +
-                               "<key>queryHighlighStateKey</key><integer>1</integer>"
-                               "<key>updateKey</key><date>2014-01-25T10:00:00Z</date>"
-                               "<key>resultKey</key><dict><key>$class</key>" +
-                               reference(9) + "<key>NS.object.0</key>" + reference(12) +
-                               "</dict><key>combinedQueryListKey</key><array><string>a</string>" + reference(11) +
-                               "</array>"
-                               "<key>excludedDomainsKey</key><dict><key>host.example</key><true/></dict>";
+    // 10: a text in UTF-8 bytes, 11: a boxed text, 12: a record in the older spelling
+    const QByteArray objects = R"(<of 4><key>NS.bytes</key><data>5pel5pys</data></dict>
+        <of 4><key>NS.string</key><string>boxed</string></dict>
+        <of 5><key>NS.key.0</key><string>title Result Key</string><key>NS.object.0</key>@10
+          <key>NS.key.1</key><string>link rank key</string><key>NS.object.1</key><real>7</real>
+          <key>NS.key.2</key><string>User saw this link key</string><key>NS.object.2</key><integer>1</integer>
+          <key>NS.key.3</key><string>dateoffindKey</string><key>NS.object.3</key>@13
+          <key>NS.key.4</key><string>URL Result Key</string><key>NS.object.4</key>@14
+          <key>NS.key.5</key><string>item rating key</string><key>NS.object.5</key>@16</dict>
+        <of 7><key>NS.time</key><integer>-5</integer></dict>
+        <of 6><key>NS.base</key>@15<key>NS.relative</key><string>../b?c</string></dict>
+        <of 6><key>NS.base</key>@0<key>NS.relative</key><string>http://example.org/x/y</string></dict>
+        <of 8><key>NS.intval</key><integer>3</integer></dict>)";
+    const QByteArray entries = R"(<key>queryStringKey</key>@11<key>queryHighlighStateKey</key><integer>1</integer>
+        <key>updateKey</key><date>2014-01-25T10:00:00Z</date>
+        <key>resultKey</key><of 9><key>NS.object.0</key>@12</dict>
+        <key>combinedQueryListKey</key><array><string>a</string>@11</array>
+        <key>excludedDomainsKey</key><dict><key>host.example</key><true/></dict>)";
     const LoadedTree tree = loadTree(xmlTree(entries, objects));
     const QueryCorePtr query = onlyChild(tree);
     ASSERT_TRUE(query) << tree.reason.toStdString();
@@ -176,7 +177,7 @@ TEST(QueryArchive, BoxedOldAndInPlaceFormsAreRead)
 
 TEST(QueryArchive, MissingEntriesReadAsTheirDefaults)
 {
-    const LoadedTree first = loadTree(xmlTree("", ""));
+    const LoadedTree first = loadTree(xmlTree());
     const QueryCorePtr query = onlyChild(first);
     ASSERT_TRUE(query) << first.reason.toStdString();
     const QueryFields fields = query->snapshot().fields;
@@ -188,76 +189,53 @@ TEST(QueryArchive, MissingEntriesReadAsTheirDefaults)
     EXPECT_EQ(fields._websiteRestriction, QStringLiteral(""));
     EXPECT_TRUE(fields._isSuscribedToBlacklist);
     EXPECT_FALSE(fields._uuid.isEmpty());
-    EXPECT_NE(onlyChild(loadTree(xmlTree("", "")))->UUID(), query->UUID()) << "made anew with every load";
+    EXPECT_NE(onlyChild(loadTree(xmlTree()))->UUID(), query->UUID()) << "made anew with every load";
 }
 
 TEST(QueryArchive, WhatReferencesOneAnotherInACircleIsCarriedThrough)
 {
-    // 10 and 11 are of a class nobody knows; they refer to each other, and 11 to the query itself.
-    const QByteArray objects = "<dict><key>$class</key>" + reference(12) + "<key>other</key>" + reference(11) +
-                               "</dict>"
-                               "<dict><key>$class</key>" +
-                               reference(12) + "<key>back</key>" + reference(10) + "<key>query</key>" + reference(2) +
-                               "<key>native</key><true/></dict>"
-                               "<dict><key>$classname</key><string>Later</string></dict>";
-    const LoadedTree tree = loadTree(xmlTree("<key>futureKey</key>" + reference(10), objects));
+    // 10 and 11 refer to each other, and 11 to the query itself.
+    const QByteArray objects = "<of 12><key>other</key>@11</dict><of 12><key>back</key>@10<key>query</key>@2"
+                               "<key>native</key><true/></dict>" +
+                               Later;
+    const LoadedTree tree = loadTree(xmlTree("<key>futureKey</key>@10", objects));
     ASSERT_TRUE(tree.root) << tree.reason.toStdString();
     for (QByteArray bytes = saved(tree.root); const int round : {1, 2}) {
-        const auto opened = KeyedArchive::open(bytes);
-        ASSERT_TRUE(opened.archive) << opened.reason.toStdString();
-        ArchiveReader reader(opened.archive);
-        const auto entry = [&](const ArchivedValue& value, const char* name) {
-            return reader.entry(value, QLatin1String(name));
-        };
-        const auto childs = reader.list(entry(reader.root(), "queryChildsKey"));
-        const ArchivedValue query = reader.value(childs->at(0));
-        const ArchivedValue one = entry(query, "futureKey");
-        const ArchivedValue two = entry(one, "other");
-        EXPECT_EQ(entry(two, "back").object, one.object) << round;
-        EXPECT_EQ(entry(two, "query").object, query.object) << round;
-        EXPECT_EQ(entry(two, "native").item.type, PlistItem::Type::True);
-        EXPECT_EQ(reader.text(entry(entry(two, "$class"), "$classname"))->toString(), QStringLiteral("Later"));
+        SavedQuery is(bytes);
+        const ArchivedValue one = is.entry(is.query, "futureKey");
+        const ArchivedValue two = is.entry(one, "other");
+        EXPECT_EQ(is.entry(two, "back").object, one.object) << round;
+        EXPECT_EQ(is.entry(two, "query").object, is.query.object) << round;
+        EXPECT_TRUE(is.isTrue(two, "native"));
+        EXPECT_EQ(is.reader.text(is.entry(is.entry(two, "$class"), "$classname"))->toString(), QStringLiteral("Later"));
         bytes = saved(loadTree(bytes).root);
     }
 }
 
 TEST(QueryArchive, ChildrenInACollectionOfAnUnknownKindAreCarriedThrough)
 {
-    const QByteArray objects = "<dict><key>$class</key>" + reference(11) +
-                               "<key>kept</key><true/></dict>"
-                               "<dict><key>$classname</key><string>Later</string></dict>";
-    const LoadedTree tree = loadTree(xmlTree("<key>queryChildsKey</key>" + reference(10), objects));
+    const LoadedTree tree =
+        loadTree(xmlTree("<key>queryChildsKey</key>@10", "<of 11><key>kept</key><true/></dict>" + Later));
     ASSERT_TRUE(tree.root) << tree.reason.toStdString();
-    const auto opened = KeyedArchive::open(saved(tree.root));
-    ASSERT_TRUE(opened.archive) << opened.reason.toStdString();
-    ArchiveReader reader(opened.archive);
-    const auto childs = reader.list(reader.entry(reader.root(), QLatin1String("queryChildsKey")));
-    const ArchivedValue kept = reader.entry(reader.value(childs->at(0)), QLatin1String("queryChildsKey"));
-    EXPECT_EQ(reader.entry(kept, QLatin1String("kept")).item.type, PlistItem::Type::True);
+    SavedQuery is(saved(tree.root));
+    EXPECT_TRUE(is.isTrue(is.entry(is.query, "queryChildsKey"), "kept"));
 }
 
 TEST(QueryArchive, CombinedTextsKeepWhatElseStandsAmongThem)
 {
-    const QByteArray objects = "<dict><key>$class</key>" + reference(9) +
-                               "<key>NS.objects</key><array><string>one</string>" + reference(11) +
-                               "<string>two</string><integer>7</integer></array></dict>"
-                               "<dict><key>$class</key>" +
-                               reference(12) +
-                               "<key>kept</key><true/></dict>"
-                               "<dict><key>$classname</key><string>Later</string></dict>";
-    const LoadedTree tree = loadTree(xmlTree("<key>combinedQueryListKey</key>" + reference(10), objects));
+    const QByteArray objects = "<of 9><key>NS.objects</key><array><string>one</string>@11<string>two</string>"
+                               "<integer>7</integer></array></dict><of 12><key>kept</key><true/></dict>" +
+                               Later;
+    const LoadedTree tree = loadTree(xmlTree("<key>combinedQueryListKey</key>@10", objects));
     ASSERT_TRUE(tree.root) << tree.reason.toStdString();
     EXPECT_EQ(onlyChild(tree)->combinedQueries(), (QStringList{QStringLiteral("one"), QStringLiteral("two")}));
     for (QByteArray bytes = saved(tree.root); const int round : {1, 2}) {
-        const auto opened = KeyedArchive::open(bytes);
-        ASSERT_TRUE(opened.archive) << opened.reason.toStdString();
-        ArchiveReader reader(opened.archive);
-        const auto childs = reader.list(reader.entry(reader.root(), QLatin1String("queryChildsKey")));
-        const auto list = reader.list(reader.entry(reader.value(childs->at(0)), QLatin1String("combinedQueryListKey")));
-        ASSERT_EQ(list->count(), 4U) << round;
-        EXPECT_EQ(reader.entry(reader.value(list->at(1)), QLatin1String("kept")).item.type, PlistItem::Type::True);
-        EXPECT_EQ(reader.text(reader.value(list->at(2)))->toString(), QStringLiteral("two"));
-        EXPECT_EQ(reader.number(reader.value(list->at(3)))->integer, 7);
+        SavedQuery is(bytes);
+        const ArchivedValue list = is.entry(is.query, "combinedQueryListKey");
+        ASSERT_EQ(is.reader.list(list)->count(), 4U) << round;
+        EXPECT_TRUE(is.isTrue(is.at(list, 1), "kept"));
+        EXPECT_EQ(is.reader.text(is.at(list, 2))->toString(), QStringLiteral("two"));
+        EXPECT_EQ(is.reader.number(is.at(list, 3))->integer, 7);
         bytes = saved(loadTree(bytes).root);
     }
 }
@@ -325,30 +303,23 @@ TEST(QueryArchive, TrickedArchivesAreRefused)
     };
     // Every folder lists the next one twice: 2^40 ways down.
     QByteArray doubling;
-    for (int i = 10; i < 50; ++i)
-        doubling += "<dict><key>$class</key>" + reference(3) + "<key>queryChildsKey</key><array>" + reference(i + 1) +
-                    reference(i + 1) + "</array></dict>";
-    doubling += "<dict><key>$class</key>" + reference(3) + "</dict>";
+    for (int next = 11; next < 51; ++next)
+        doubling += QByteArray("<of 3><key>queryChildsKey</key><array>@N@N</array></dict>")
+                        .replace("N", QByteArray::number(next));
+    doubling += "<of 3></dict>";
     // A list of many references to one list of many records.
-    QByteArray many = "<array>";
-    for (int i = 0; i < 3000; ++i)
-        many += "<dict/>";
-    many += "</array>";
-    QByteArray nodes = "<array>";
-    for (int i = 0; i < 3000; ++i)
-        nodes += "<dict><key>$class</key>" + reference(3) + "<key>resultKey</key>" + reference(10) + "</dict>";
-    nodes += "</array>";
+    const QByteArray many = "<array>" + QByteArray("<dict/>").repeated(3000) + "</array>";
+    const QByteArray nodes = "<array>" + QByteArray("<of 3><key>resultKey</key>@10</dict>").repeated(3000) + "</array>";
     const Case cases[] = {
-        {"a folder below itself", xmlTree("<key>queryChildsKey</key><array>" + reference(1) + "</array>", "")},
-        {"nodes shared without end",
-         xmlTree("<key>queryChildsKey</key><array>" + reference(10) + "</array>", doubling)},
+        {"a folder below itself", xmlTree("<key>queryChildsKey</key><array>@1</array>")},
+        {"nodes shared without end", xmlTree("<key>queryChildsKey</key><array>@10</array>", doubling)},
         {"lists shared without end", xmlTree("<key>queryChildsKey</key>" + nodes, many)},
-        {"an unknown object that leads nowhere", xmlTree("<key>future</key>" + reference(9999), "")},
+        {"an unknown object that leads nowhere", xmlTree("<key>future</key>@9999")},
         {"nothing", QByteArray()},
         {"another property list", QByteArray("<plist version=\"1.0\"><dict/></plist>")},
         {"a list of rules", goldenFile("Blacklist")},
-        {"another archiver", xmlTree("", "").replace("NSKeyedArchiver", "SomeArchiver")},
-        {"entities that multiply", xmlTree("", "")
+        {"another archiver", xmlTree().replace("NSKeyedArchiver", "SomeArchiver")},
+        {"entities that multiply", xmlTree()
                                        .replace("<plist", "<!DOCTYPE p [<!ENTITY a \"aaaaaaaa\"><!ENTITY b "
                                                           "\"&a;&a;\">]><plist")
                                        .replace("$null", "&b;")},

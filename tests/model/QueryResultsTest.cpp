@@ -125,23 +125,18 @@ TEST(QueryResults, ExcludesAHostWithAllItsVisibleRecords)
 
 TEST(QueryResults, ExcludesTheHostOfATypedAddress)
 {
-    struct Case {
-        const char* typed;
-        const char* host;
-    };
-    for (const Case& c : std::vector<Case>{{"b.example", "b.example"},
-                                           {"https://b.example/x", "b.example"},
-                                           {"x?u=http://b.example/", ""},
-                                           {"ftp://b.example/", "ftp"},
-                                           {"", ""}}) {
+    for (const auto& [typed, host] : std::map<QString, QString>{{"b.example"_q, "b.example"_q},
+                                                                {"https://b.example/x"_q, "b.example"_q},
+                                                                {"x?u=http://b.example/"_q, ""_q},
+                                                                {"ftp://b.example/"_q, "ftp"_q},
+                                                                {""_q, ""_q}}) {
         const QueryCorePtr node = queryWith({A, B});
         const QStringList before = node->excludedHosts();
-        node->excludeURLString(QString::fromLatin1(c.typed));
+        node->excludeURLString(typed);
         QStringList added = node->excludedHosts();
-        for (const QString& host : before)
-            added.removeAll(host);
-        EXPECT_EQ(added.join(u' '), QString::fromLatin1(c.host)) << c.typed;
-        EXPECT_EQ(node->nbItems(), QLatin1String(c.host) == QLatin1String("b.example") ? 1 : 2) << c.typed;
+        added.removeIf([&before](const QString& each) { return before.contains(each); });
+        EXPECT_EQ(added.join(u' '), host) << typed.toStdString();
+        EXPECT_EQ(node->nbItems(), host == "b.example"_q ? 1 : 2) << typed.toStdString();
     }
 }
 
