@@ -1,12 +1,6 @@
 #include "gateway/RunningGateway.h"
 
-#include <QByteArray>
-#include <QDir>
-#include <QFile>
-#include <QList>
 #include <QProcess>
-#include <QString>
-#include <QStringList>
 
 namespace quarry {
 
@@ -20,12 +14,8 @@ protected:
     {
         gateway.write(QStringLiteral("inside.txt"), "An ordinary document\nwith a word\n");
         gateway.write(QStringLiteral("sub/below.txt"), "Another ordinary document\n");
-        QFile file(gateway.outside(QStringLiteral("secret.txt")));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(secret);
-        file.close();
-        QDir().mkdir(gateway.outside(QStringLiteral("elsewhere")));
-        ASSERT_TRUE(file.copy(gateway.outside(QStringLiteral("elsewhere/secret.txt"))));
+        gateway.write(QStringLiteral("../secret.txt"), secret);
+        gateway.write(QStringLiteral("../elsewhere/secret.txt"), secret);
         gateway.write(QStringLiteral(".hidden.txt"), secret);
         gateway.write(QStringLiteral("sub/.git/config"), secret);
         link("secret.txt", "toFile.txt");
@@ -47,35 +37,35 @@ TEST_F(FolderContainment, NoPathLeadsOutOfTheFolder)
     EXPECT_EQ(gateway.get("/doc/inside.txt").status, 200);
     EXPECT_EQ(gateway.get("/doc/sub%2Fbelow.txt").status, 200);
     const QByteArray absolute = gateway.outside(QStringLiteral("secret.txt")).toUtf8();
-    const QList<QByteArray> targets = {"/doc/../secret.txt",
-                                       "/doc/%2e%2e/secret.txt",
-                                       "/doc/%2E%2E%2Fsecret.txt",
-                                       "/doc/..%2fsecret.txt",
-                                       "/doc/sub/../../secret.txt",
-                                       "/doc/./../secret.txt",
-                                       "/doc//../secret.txt",
-                                       "/doc/%252e%252e/secret.txt",
-                                       "/doc/..%5csecret.txt",
-                                       "/doc/%c0%ae%c0%ae/secret.txt",
-                                       "/doc/" + absolute,
-                                       "/doc/" + absolute.mid(1),
-                                       "/doc/inside.txt%00",
-                                       "/doc/%00/../../secret.txt",
-                                       "/doc/toFile.txt",
-                                       "/doc/toFolder/secret.txt",
-                                       "/doc/overParent.txt",
-                                       "/doc/toFolder",
-                                       "/doc/",
-                                       "/doc/.",
-                                       "/doc/sub",
-                                       "/doc/sub/",
-                                       "/doc/inside.txt/",
-                                       "/doc/%u002e%u002e/secret.txt",
-                                       "/doc/pipe.txt",
-                                       "/../secret.txt",
-                                       "/docs/inside.txt",
-                                       "/doc/.hidden.txt",
-                                       "/doc/sub/.git/config"};
+    QByteArrayList targets = {"/doc/" + absolute, "/doc/" + absolute.mid(1)};
+    for (const char* target : {"/doc/../secret.txt",
+                               "/doc/%2e%2e/secret.txt",
+                               "/doc/%2E%2E%2Fsecret.txt",
+                               "/doc/..%2fsecret.txt",
+                               "/doc/sub/../../secret.txt",
+                               "/doc/./../secret.txt",
+                               "/doc//../secret.txt",
+                               "/doc/%252e%252e/secret.txt",
+                               "/doc/..%5csecret.txt",
+                               "/doc/%c0%ae%c0%ae/secret.txt",
+                               "/doc/inside.txt%00",
+                               "/doc/%00/../../secret.txt",
+                               "/doc/toFile.txt",
+                               "/doc/toFolder/secret.txt",
+                               "/doc/overParent.txt",
+                               "/doc/toFolder",
+                               "/doc/",
+                               "/doc/.",
+                               "/doc/sub",
+                               "/doc/sub/",
+                               "/doc/inside.txt/",
+                               "/doc/%u002e%u002e/secret.txt",
+                               "/doc/pipe.txt",
+                               "/../secret.txt",
+                               "/docs/inside.txt",
+                               "/doc/.hidden.txt",
+                               "/doc/sub/.git/config"})
+        targets.append(target);
     for (const QByteArray& target : targets) {
         const RunningGateway::Page page = gateway.get(target);
         EXPECT_GE(page.status, 400) << target.constData();
@@ -85,13 +75,11 @@ TEST_F(FolderContainment, NoPathLeadsOutOfTheFolder)
 
 TEST_F(FolderContainment, TheIndexTakesInNothingFromOutside)
 {
-    QStringList found = gateway.find("query=ordinary");
-    found.sort();
-    EXPECT_EQ(found, QStringList({QStringLiteral("inside.txt"), QStringLiteral("sub/below.txt")}));
-    EXPECT_EQ(gateway.find("query=secret"), QStringList());
+    EXPECT_EQ(gateway.found("query=ordinary"), QStringLiteral("inside.txt sub/below.txt"));
+    EXPECT_EQ(gateway.found("query=secret"), QString());
     gateway.write(QStringLiteral("sub/.git/more"), secret);
     gateway.write(QStringLiteral(".new/more"), secret);
-    EXPECT_EQ(gateway.find("query=secret"), QStringList());
+    EXPECT_EQ(gateway.found("query=secret"), QString());
 }
 
 TEST_F(FolderContainment, ADocumentThatBecomesALinkIsGone)
@@ -99,8 +87,8 @@ TEST_F(FolderContainment, ADocumentThatBecomesALinkIsGone)
     ASSERT_TRUE(QFile::remove(gateway.path(QStringLiteral("inside.txt"))));
     link("secret.txt", "inside.txt");
     EXPECT_EQ(gateway.get("/doc/inside.txt").status, 404);
-    EXPECT_EQ(gateway.find("query=secret"), QStringList());
-    EXPECT_EQ(gateway.find("query=ordinary"), QStringList(QStringLiteral("sub/below.txt")));
+    EXPECT_EQ(gateway.found("query=secret"), QString());
+    EXPECT_EQ(gateway.found("query=ordinary"), QStringLiteral("sub/below.txt"));
 }
 
 TEST_F(FolderContainment, RedirectsLeadToOwnDocumentsOnly)

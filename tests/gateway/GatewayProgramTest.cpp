@@ -1,12 +1,7 @@
 #include "gateway/RunningGateway.h"
 
-#include <QByteArray>
-#include <QFile>
-#include <QList>
 #include <QProcess>
-#include <QString>
-#include <QStringList>
-#include <QTemporaryDir>
+#include <QRegularExpression>
 
 namespace quarry {
 
@@ -45,12 +40,7 @@ private:
 
 class GatewayProgram : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        QFile file(folder.filePath(QStringLiteral("one.txt")));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("walnut");
-    }
+    void SetUp() override { ASSERT_TRUE(test::writeFile(folder.filePath(QStringLiteral("one.txt")), "walnut")); }
     [[nodiscard]] QStringList arguments(const QStringList& more = {}) const
     {
         return QStringList({QStringLiteral("--folder"), folder.path()}) + more;
@@ -73,38 +63,33 @@ TEST_F(GatewayProgram, SaysWhereItListensServesAndEndsOnATermination)
     EXPECT_EQ(second.end(), 1);
     EXPECT_TRUE(second.errors().contains(QStringLiteral("the port is in use"))) << qPrintable(second.errors());
 
-    QFile written(services);
-    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
-    EXPECT_EQ(written.readAll().count("<integer>" + QByteArray::number(port) + "</integer>"), 5);
+    EXPECT_EQ(test::contentOf(services).count("<integer>" + QByteArray::number(port) + "</integer>"), 5);
     EXPECT_EQ(program.terminate(), 0);
     EXPECT_EQ(program.errors(), QString());
 }
 
 TEST_F(GatewayProgram, SaysWhatIsWrong)
 {
-    struct Case {
-        QStringList arguments;
-        int status;
-        const char* says;
+    // Arguments, status and complaint; "." stands for the folder.
+    const std::tuple<const char*, int, const char*> cases[] = {
+        {"--folder ./missing", 1, "cannot read the folder"},
+        {"--folder ./one.txt", 1, "cannot read the folder"},
+        {"--folder . --index /", 1, "cannot use the index"},
+        {"--folder . --index /dev/null/x", 1, "cannot use the index"},
+        {"--folder . --write-services ./missing/x", 1, "cannot write"},
+        {"--folder . --listen 0.0.0.0", 2, "--allow-remote"},
+        {"--folder . --listen 192.0.2.1 --allow-remote", 1, "cannot listen"},
+        {"--folder . --port 70000", 2, "--port"},
+        {"--folder . --nonsense", 2, "--nonsense"},
     };
-    const QString missing = folder.filePath(QStringLiteral("missing"));
-    const QList<Case> cases = {
-        {{QStringLiteral("--folder"), missing}, 1, "cannot read the folder"},
-        {{QStringLiteral("--folder"), folder.filePath(QStringLiteral("one.txt"))}, 1, "cannot read the folder"},
-        {arguments({QStringLiteral("--index"), QStringLiteral("/")}), 1, "cannot use the index"},
-        {arguments({QStringLiteral("--index"), QStringLiteral("/dev/null/x")}), 1, "cannot use the index"},
-        {arguments({QStringLiteral("--write-services"), missing + QStringLiteral("/x")}), 1, "cannot write"},
-        {arguments({QStringLiteral("--listen"), QStringLiteral("0.0.0.0")}), 2, "--allow-remote"},
-        {arguments({QStringLiteral("--listen"), QStringLiteral("192.0.2.1"), QStringLiteral("--allow-remote")}), 1,
-         "cannot listen"},
-        {arguments({QStringLiteral("--port"), QStringLiteral("70000")}), 2, "--port"},
-        {arguments({QStringLiteral("--nonsense")}), 2, "--nonsense"},
-    };
-    for (const Case& each : cases) {
-        Program program(each.arguments);
-        EXPECT_EQ(program.end(), each.status) << qPrintable(each.arguments.join(u' '));
+    for (const auto& [arguments, status, complaint] : cases) {
+        QStringList all = QString::fromUtf8(arguments).split(u' ');
+        all[1].replace(0, 1, folder.path());
+        all.replaceInStrings(QRegularExpression(QStringLiteral("^\\./")), folder.path() + u'/');
+        Program program(all);
+        EXPECT_EQ(program.end(), status) << arguments;
         const QString errors = program.errors();
-        EXPECT_TRUE(errors.contains(QString::fromUtf8(each.says))) << qPrintable(errors);
+        EXPECT_TRUE(errors.contains(QString::fromUtf8(complaint))) << qPrintable(errors);
     }
     Program help({QStringLiteral("--help")});
     EXPECT_EQ(help.end(), 0);

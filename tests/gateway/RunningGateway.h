@@ -3,14 +3,9 @@
 #include "gateway/FolderSource.h"
 #include "gateway/GatewayServer.h"
 #include "gateway/ServiceDialect.h"
+#include "support/TemporaryHome.h"
 
-#include <QByteArray>
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QString>
-#include <QStringList>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 #include <httplib.h>
@@ -44,9 +39,7 @@ public:
     void write(const QString& name, const QByteArray& bytes) const
     {
         QDir().mkpath(QFileInfo(path(name)).path());
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
+        ASSERT_TRUE(test::writeFile(path(name), bytes));
     }
 
     void start()
@@ -90,6 +83,14 @@ public:
             found += QString::fromUtf8(body.mid(begin, body.indexOf('\'', begin) - begin));
         }
         return found;
+    }
+
+    /// The same sorted, with blanks between.
+    [[nodiscard]] QString found(const QByteArray& parameters) const
+    {
+        QStringList names = find(parameters);
+        names.sort();
+        return names.join(u' ');
     }
 
 private:

@@ -6,9 +6,6 @@
 #include "support/RecordingPauser.h"
 #include "support/SettableClock.h"
 
-#include <QByteArray>
-#include <QString>
-
 #include <map>
 #include <set>
 

@@ -1,8 +1,8 @@
 #include "text/Lines.h"
 
+#include "support/TextTable.h"
 #include "text/Addresses.h"
 #include "text/Data.h"
-#include "text/TextTable.h"
 
 namespace quarry {
 namespace {

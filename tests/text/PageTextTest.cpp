@@ -2,8 +2,8 @@
 
 #include "platform/SystemLog.h"
 #include "support/FakePageLoader.h"
+#include "support/TextTable.h"
 #include "text/DeclaredCharset.h"
-#include "text/TextTable.h"
 
 namespace quarry {
 namespace {

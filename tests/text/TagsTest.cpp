@@ -1,9 +1,9 @@
 #include "text/Tags.h"
 
 #include "engines/NaiveScanning.h"
+#include "support/TextTable.h"
 #include "text/Entities.h"
 #include "text/Spans.h"
-#include "text/TextTable.h"
 
 #include <random>
 

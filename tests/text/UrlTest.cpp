@@ -1,6 +1,6 @@
 #include "text/Url.h"
 
-#include "text/TextTable.h"
+#include "support/TextTable.h"
 
 namespace quarry {
 namespace {
