@@ -1,21 +1,11 @@
 // Any bytes give a tree or a reason, and what gives a tree can be saved and read again.
 
+#include "FuzzTarget.h"
 #include "archive/PlistWriter.h"
 #include "archive/SmallArchive.h"
 #include "model/QueryArchive.h"
 
-#include <cstdio>
-#include <cstdlib>
-
 namespace {
-
-void require(bool holds, const char* what)
-{
-    if (!holds) {
-        std::fprintf(stderr, "%s\n", what);
-        std::abort();
-    }
-}
 
 qsizetype countNodes(const quarry::QueryCorePtr& node)
 {
@@ -27,11 +17,9 @@ qsizetype countNodes(const quarry::QueryCorePtr& node)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size);
-
-extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size)
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    const QByteArray bytes = inputOf(data, size);
     QString reason;
     require(quarry::unarchivedValue(bytes, &reason) || !reason.isEmpty(), "neither a value nor a reason");
 

@@ -1,14 +1,10 @@
 // Arbitrary bytes as a result page of every service: nothing may go wrong, and the scan copy must be what the six
 // passes give one after the other.
 
+#include "FuzzTarget.h"
 #include "engines/NaiveScanning.h"
 #include "engines/PageExtraction.h"
 #include "engines/ScanCopy.h"
-
-#include <cstdint>
-#include <cstdlib>
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
@@ -16,10 +12,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // The naive passes start over after every removal.
     if (size > 4096)
         return 0;
-    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
-    const DecodedPage page = decodeResultPage(bytes, u"text/html");
-    if (ScanCopy(page.text).text().toString() + QLatin1Char(' ') != naive::scanCopy(page.text))
-        std::abort();
+    const DecodedPage page = decodeResultPage(inputOf(data, size), u"text/html");
+    require(ScanCopy(page.text).text().toString() + QLatin1Char(' ') == naive::scanCopy(page.text),
+            "the scan copy is not what the passes give");
     for (const SearchService service : AllSearchServices) {
         for (const qint64 start : {0, 10})
             (void)extractPage(service, page, start, {});

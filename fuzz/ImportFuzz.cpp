@@ -1,22 +1,12 @@
 // Any bytes are imported whole or refused with a reason, and what was imported can be exported in every format; what
 // OPML says of it comes back the same.
 
+#include "FuzzTarget.h"
 #include "archive/PlistWriter.h"
 #include "exchange/Exports.h"
 #include "exchange/Imports.h"
 
-#include <cstdio>
-#include <cstdlib>
-
 namespace {
-
-void require(bool holds, const char* what)
-{
-    if (!holds) {
-        std::fprintf(stderr, "%s\n", what);
-        std::abort();
-    }
-}
 
 quarry::QueryCorePtr newRoot()
 {
@@ -41,10 +31,9 @@ quarry::QueryCorePtr copyByOpml(const quarry::QueryCorePtr& root)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size);
-extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size)
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    const QByteArray bytes = inputOf(data, size);
     const quarry::ImportedForest forest = quarry::readImport(bytes, QStringLiteral("unnamed"));
     require(forest.fault.isEmpty() || forest.nodes.empty(), "refused by halves");
     const quarry::QueryCorePtr root = newRoot();
