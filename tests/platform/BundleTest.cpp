@@ -1,8 +1,8 @@
 #include "platform/Bundle.h"
 
+#include "support/TemporaryHome.h"
+
 #include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -24,9 +24,7 @@ TEST(Bundle, EveryProgramFindsItsResourcesAndTheUpdater)
     for (const QString& contents : {main, agent})
         ASSERT_TRUE(QDir().mkpath(contents + QStringLiteral("/Resources/English.lproj")));
     ASSERT_TRUE(QDir().mkpath(updaterFolder));
-    QFile program(updater);
-    ASSERT_TRUE(program.open(QIODevice::WriteOnly));
-    ASSERT_TRUE(program.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+    ASSERT_TRUE(QFile::copy(QStringLiteral("/bin/true"), updater));
 
     EXPECT_EQ(ofQuarry.resourcesFolder(), main + QStringLiteral("/Resources"));
     EXPECT_EQ(ofQuarry.updaterProgram(), updater);
@@ -42,12 +40,11 @@ TEST(Bundle, TellsWhatItsDescriptionSaysAndWhatLiesBesideItsProgram)
     const QString path = folder.filePath(QStringLiteral("Outer.app/Contents/Agents/In & Out.app"));
     const QString bin = path + QStringLiteral("/Contents/bin");
     ASSERT_TRUE(QDir().mkpath(bin + QStringLiteral("/Helper.app")));
-    QFile info(path + QStringLiteral("/Contents/Info.plist"));
-    ASSERT_TRUE(info.open(QIODevice::WriteOnly));
-    info.write("<?xml version=\"1.0\"?><!-- x --><plist version=\"1.0\"><dict><key>Types</key><array><dict>"
-               "<key>CFBundleExecutable</key><string>inner</string></dict></array><key>Number</key><integer>7</integer>"
-               "<key>CFBundleExecutable</key><string>In &amp; Out</string></dict></plist>");
-    info.close();
+    ASSERT_TRUE(test::writeFile(
+        path + QStringLiteral("/Contents/Info.plist"),
+        "<?xml version=\"1.0\"?><!-- x --><plist version=\"1.0\"><dict><key>Types</key><array><dict>"
+        "<key>CFBundleExecutable</key><string>inner</string></dict></array><key>Number</key><integer>7</integer>"
+        "<key>CFBundleExecutable</key><string>In &amp; Out</string></dict></plist>"));
     const Bundle bundle = Bundle::at(path + QStringLiteral("/"));
     EXPECT_EQ(bundle.bundlePath(), path);
     EXPECT_EQ(Bundle(bin + QStringLiteral("/tool")).bundlePath(), path);

@@ -4,8 +4,6 @@
 #include "support/TemporaryHome.h"
 
 #include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

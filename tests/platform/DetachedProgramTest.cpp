@@ -2,8 +2,6 @@
 
 #include "support/TemporaryHome.h"
 
-#include <QTemporaryDir>
-
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>

@@ -6,7 +6,6 @@
 #include "support/TemporaryHome.h"
 
 #include <QProcess>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

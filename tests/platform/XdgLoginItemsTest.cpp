@@ -3,8 +3,6 @@
 #include "support/TemporaryHome.h"
 
 #include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 

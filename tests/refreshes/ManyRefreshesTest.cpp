@@ -211,6 +211,25 @@ protected:
         ASSERT_EQ(atOnce.updated, QueryCount);
     }
 
+    /// Refreshes so often while somebody is at work on another thread, once a round or oftener.
+    void refreshBeside(int rounds, const std::function<void()>& work)
+    {
+        std::atomic<int> round{-1};
+        std::thread beside([&] {
+            for (int seen = -1; seen < rounds; seen = round) {
+                round.wait(seen);
+                work();
+            }
+        });
+        for (int i = 0; i <= rounds; ++i) {
+            round = i;
+            round.notify_one();
+            if (i < rounds)
+                refresh(i);
+        }
+        beside.join();
+    }
+
     /// No link twice, and none that the rules catch.
     static void checkLinks(const QueryCorePtr& root)
     {
@@ -253,24 +272,11 @@ protected:
 
 TEST_F(ManyRefreshes, LoseNoMarkOfThisProgram)
 {
-    const int rounds = refreshCount();
-    std::atomic<int> round{-1};
     User user(2024);
-    std::thread marking([&] {
-        for (int seen = -1; seen < rounds; seen = round) {
-            round.wait(seen);
-            for (int i = 0; i < MarksOfRound; ++i)
-                user.markOne(database->currentRoot()->childs()->at(i % QueryCount));
-        }
+    refreshBeside(refreshCount(), [&] {
+        for (int i = 0; i < MarksOfRound; ++i)
+            user.markOne(database->currentRoot()->childs()->at(i % QueryCount));
     });
-    for (int i = 0; i < rounds; ++i) {
-        round = i;
-        round.notify_one();
-        refresh(i);
-    }
-    round = rounds;
-    round.notify_one();
-    marking.join();
     EXPECT_TRUE(database->saveDatabase(true));
     RecordProperty("marks", user.count);
     EXPECT_GT(user.markedResults(), std::size_t(MarksOfRound));
@@ -282,32 +288,18 @@ TEST_F(ManyRefreshes, LoseNoMarkOfThisProgram)
 
 TEST_F(ManyRefreshes, LoseNoMarkOfAnotherProgram)
 {
-    const int rounds = std::max(4, refreshCount() / 10);
     NotificationCenter center;
     QueryDatabaseEngine other({home, clock, pauser, files, center, nullptr, {}}, QueryDatabaseEngine::AtEnd::Discard);
-    std::atomic<int> round{-1};
     User user(2025);
-    std::thread editing([&] {
-        for (int seen = -1; seen < rounds; seen = round) {
-            round.wait(seen);
-            for (int i = 0; i < EditsOfRound; ++i) {
-                EXPECT_EQ(other.edit([&](QueryDatabaseEngine& locked) {
-                    for (const QueryCorePtr& query : locked.queries().value_or(QList<QueryCorePtr>()))
-                        user.markOne(query);
-                    return QString();
-                }),
-                          QString());
-            }
-        }
+    const auto mark = [&user](QueryDatabaseEngine& locked) {
+        for (const QueryCorePtr& query : locked.queries().value_or(QList<QueryCorePtr>()))
+            user.markOne(query);
+        return QString();
+    };
+    refreshBeside(std::max(4, refreshCount() / 10), [&] {
+        for (int i = 0; i < EditsOfRound; ++i)
+            EXPECT_EQ(other.edit(mark), QString());
     });
-    for (int i = 0; i < rounds; ++i) {
-        round = i;
-        round.notify_one();
-        refresh(i);
-    }
-    round = rounds;
-    round.notify_one();
-    editing.join();
     RecordProperty("marks", user.count);
     EXPECT_GT(user.markedResults(), std::size_t(QueryCount));
     const QueryCorePtr root = treeInFile();
