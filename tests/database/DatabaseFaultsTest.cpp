@@ -136,40 +136,4 @@ TEST_F(DatabaseFaults, DamageInWhileTheProgramRunsStartsAnEmptyTree)
     EXPECT_EQ(engine.rootQuery()->numberOfChilds(), 1) << "an empty or missing file replaces no tree";
 }
 
-TEST_F(DatabaseFaults, DamageAtAnyByteCostsNoByte)
-{
-    // In memory: thousands of synced files.
-    QTemporaryDir memory(QStringLiteral("/dev/shm/quarry-XXXXXX"));
-    const HomeFolder place(memory.isValid() ? memory.path() : home.path());
-    const auto engine = [&] {
-        return std::make_unique<Engine>(Engine::Parts{place, clock, pauser, files, notifications, nullptr, {}},
-                                        Engine::AtEnd::Discard);
-    };
-    ASSERT_EQ(add(*engine(), QStringLiteral("a")), QString());
-    const QByteArray whole = contentOf(place.databaseFile());
-    int damaged = 0;
-    const auto check = [&](const QByteArray& bytes, const std::string& what) {
-        ASSERT_TRUE(writeFile(place.databaseFile(), bytes));
-        const auto database = engine();
-        const bool isDamaged = !database->lastError().isEmpty();
-        if (isDamaged) {
-            ASSERT_EQ(contentOf(database->damagedCopy()), bytes) << what;
-            ++damaged;
-        }
-        ASSERT_EQ(add(*database, QStringLiteral("b")), QString()) << what;
-        if (isDamaged) {
-            ASSERT_EQ(contentOf(database->damagedCopy()), bytes) << what;
-            QFile::remove(database->damagedCopy());
-        }
-    };
-    for (qsizetype length = 1; length < whole.size(); ++length)
-        check(whole.left(length), "cut at " + std::to_string(length));
-    EXPECT_EQ(damaged, whole.size() - 1) << "a cut file is never taken for a whole one";
-    for (qsizetype at = 0; at < whole.size(); ++at) {
-        QByteArray bytes = whole;
-        bytes[at] = static_cast<char>(~bytes[at]);
-        check(bytes, "inverted at " + std::to_string(at));
-    }
-}
-
 } // namespace

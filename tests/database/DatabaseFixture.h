@@ -38,13 +38,21 @@ protected:
     {
         return {home, clock, pauser, files, notifications, &updates, [this] { ++terminateReplies; }};
     }
-    /// What another program of the product does: an edit that adds one query to the root.
-    QString addElsewhere(const QString& text)
-    {
+    /// Another program of the product.
+    struct Other {
+        explicit Other(DatabaseFixture& of)
+            : engine({of.home, of.clock, of.pauser, disk, center, nullptr, {}}, Engine::AtEnd::Discard)
+        {
+        }
         DiskFileStore disk;
         NotificationCenter center;
-        Engine other({home, clock, pauser, disk, center, nullptr, {}}, Engine::AtEnd::Discard);
-        return add(other, text);
+        Engine engine;
+    };
+    /// Its edit, which adds one query to the root.
+    QString addElsewhere(const QString& text)
+    {
+        Other other(*this);
+        return add(other.engine, text);
     }
     static QString add(Engine& engine, const QString& text)
     {
@@ -54,10 +62,8 @@ protected:
     /// The titles of the top level, as the file holds them.
     QStringList titlesInFile()
     {
-        DiskFileStore disk;
-        NotificationCenter center;
-        Engine reader({home, clock, pauser, disk, center, nullptr, {}}, Engine::AtEnd::Discard);
-        return titlesOf(reader);
+        Other other(*this);
+        return titlesOf(other.engine);
     }
     static QStringList titlesOf(Engine& engine)
     {
