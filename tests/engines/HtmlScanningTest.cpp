@@ -1,8 +1,7 @@
 #include "engines/HtmlScanning.h"
 
 #include "engines/NaiveScanning.h"
-
-#include <gtest/gtest.h>
+#include "support/TextTable.h"
 
 #include <random>
 
@@ -49,14 +48,10 @@ TEST(ScanCopy, EqualsTheSixPassesOnMarkerSoup)
     }
 }
 
-TEST(ScanCopy, ForgetsTheStartsThatJoinedSpansTookAway)
+TEST(ScanCopy, ForgetsAndRemovesWhatRemovalsJoined)
 {
     const ScanCopy copy(u"<scrip<scrip<script></script>t></script>t></script>x<!--y<!--z-->w"_qs);
     EXPECT_EQ(copy.text(), u"xw");
-}
-
-TEST(ScanCopy, RemovesInAPartWhatARemovalJoined)
-{
     const ScanCopy joined(u"<p>a<scr<!-- -->ipt>x</script>b<!<!-- x -->-- y --></p>"_qs);
     EXPECT_EQ(joined.text(), u"<p>a<script>x</script>b</p>");
     EXPECT_EQ(joined.part(joined.text().mid(3)).text(), u"ab</p>");
@@ -126,18 +121,16 @@ TEST(HtmlScanning, TargetsEqualTheNaiveWalkOnMarkerSoup)
 
 TEST(HtmlScanning, CollectsElementsByTheirRules)
 {
-    const auto items = [](const char16_t* page) {
-        return texts(contentsOfTagWithClass(u"li", u"g", ScanCopy(QString::fromUtf16(page)), true));
+    const auto items = [](const QString& page) {
+        return texts(contentsOfTagWithClass(u"li", u"g", ScanCopy(page), true)).join(u'|');
     };
-    EXPECT_EQ(items(u"<li class=\"g\">A<li class=\"x\">B</li>C</li><li class=\"g\">D</li>"),
-              QStringList({u"A<li class=\"x\">B</li>C"_qs, u"D"_qs}));
-    EXPECT_EQ(items(u"<LI CLASS=\"G\">A</LI>"), QStringList{u"A"_qs});
-    EXPECT_EQ(items(u"<p class=\"g\">A<link></li>B</li>"), QStringList{u"A<link></li>B"_qs}) << "a name is a prefix";
-    EXPECT_EQ(items(u"<li class=\"g\"></li><li class=\"g\">B</li>"), QStringList{QString()}) << "an empty one ends it";
-    EXPECT_EQ(items(u"<li class=\"g\">A<b>B"), QStringList{u"A<b>B"_qs}) << "not closed";
-    EXPECT_EQ(items(u"<li class=\"g\""), QStringList{QString()});
-    EXPECT_EQ(items(u"nothing"), QStringList{QString()});
-    EXPECT_EQ(items(u"<li class=\"g\" title=\"a>b\">A</li>"), QStringList{u"b\">A"_qs}) << "quotes are not looked at";
+    // A tag's name is a prefix, an empty element ends the list, one that is not closed counts, quotes are not looked
+    // at.
+    expectAll(items,
+              u"<li class=\"g\">A<li class=\"x\">B</li>C</li><li class=\"g\">D</li>→A<li class=\"x\">B</li>C|D¦"
+              u"<LI CLASS=\"G\">A</LI>→A¦<p class=\"g\">A<link></li>B</li>→A<link></li>B¦"
+              u"<li class=\"g\"></li><li class=\"g\">B</li>→¦<li class=\"g\">A<b>B→A<b>B¦<li class=\"g\"→¦nothing→¦"
+              u"<li class=\"g\" title=\"a>b\">A</li>→b\">A");
     EXPECT_TRUE(contentsOfTagWithAttribute(u"li", u"class", u"g", ScanCopy(u"nothing"_qs), true).isEmpty());
     EXPECT_EQ(extractDIVNamed(u"web", ScanCopy(u"<div id=\"web\">A<div>B</div></div>C"_qs)), u"A<div>B</div>");
     EXPECT_EQ(extractDIVNamed(u"web", ScanCopy(u"<div id=\"we\">A</div>"_qs)), u"");
@@ -145,18 +138,16 @@ TEST(HtmlScanning, CollectsElementsByTheirRules)
 
 TEST(HtmlScanning, CleansRedirectingLinks)
 {
-    const auto cleaned = [](const char16_t* text) {
-        const auto link = Url::fromText(QString::fromUtf16(text));
+    const auto cleaned = [](const QString& text) {
+        const auto link = Url::fromText(text);
         const auto url = link ? cleanGoogleLink(*link) : std::nullopt;
         return url ? url->absoluteString() : u"none"_qs;
     };
-    EXPECT_EQ(cleaned(u"/url?q=http://a.org/x%20y&amp;sa=U&amp;ei=1"), u"http://a.org/x%20y");
-    EXPECT_EQ(cleaned(u"/URL?Q=http://a.org/%3Fb%3D1&AMP;sa=U"), u"http://a.org/?b=1");
-    EXPECT_EQ(cleaned(u"/url?q=http://a.org/&sa=U"), u"none");
-    EXPECT_EQ(cleaned(u"/url?q=&amp;sa=U"), u"none");
-    EXPECT_EQ(cleaned(u"http://a.org/%C3%A9"), u"http://a.org/%C3%A9");
-    EXPECT_EQ(cleaned(u"http://a.org/%7Eb"), u"http://a.org/~b");
-    EXPECT_EQ(cleaned(u"http://a.org/%FF"), u"http://a.org/%FF") << "escapes that are no UTF-8 stay";
+    expectAll(cleaned,
+              u"/url?q=http://a.org/x%20y&amp;sa=U&amp;ei=1→http://a.org/x%20y¦"
+              u"/URL?Q=http://a.org/%3Fb%3D1&AMP;sa=U→http://a.org/?b=1¦/url?q=http://a.org/&sa=U→none¦"
+              u"/url?q=&amp;sa=U→none¦http://a.org/%C3%A9→http://a.org/%C3%A9¦http://a.org/%7Eb→http://a.org/~b¦"
+              u"http://a.org/%FF→http://a.org/%FF");
 }
 
 } // namespace
