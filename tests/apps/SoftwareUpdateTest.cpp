@@ -9,19 +9,15 @@
 
 using namespace quarry;
 using namespace quarry::test;
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-QString str(const char* text)
-{
-    return QString::fromUtf8(text);
-}
 
 /// Another program of the product, which quits when an install begins, and not before.
 std::unique_ptr<QProcess> startGateway(const SoftwareUpdateRig& rig)
 {
-    auto gateway = rig.start(str(QUARRY_BUNDLE_DIR "/bin/quarry-gateway"),
-                             {str("--port"), str("0"), str("--folder"), rig.home.path() + str("/Library")});
+    auto gateway = rig.start(QStringLiteral(QUARRY_BUNDLE_DIR "/bin/quarry-gateway"),
+                             {u"--port"_s, u"0"_s, u"--folder"_s, rig.home.path() + u"/Library"_s});
     EXPECT_TRUE(gateway->waitForReadyRead(60000)) << gateway->readAllStandardError().toStdString();
     return gateway;
 }
@@ -29,7 +25,7 @@ std::unique_ptr<QProcess> startGateway(const SoftwareUpdateRig& rig)
 void expectVersion1AndNothingElse(const SoftwareUpdateRig& rig)
 {
     EXPECT_EQ(rig.startedVersion(), "1.0");
-    EXPECT_EQ(SoftwareUpdateRig::ended(*rig.start(rig.quarry(), {str("--version")})).status, 0);
+    EXPECT_EQ(SoftwareUpdateRig::ended(*rig.start(rig.quarry(), {u"--version"_s})).status, 0);
     EXPECT_EQ(rig.leftOver(), QStringList());
     EXPECT_FALSE(QFileInfo::exists(rig.inHome("agents"))) << "no agent was sent away";
 }
@@ -40,30 +36,29 @@ TEST(SoftwareUpdate, InstallsTheNextVersionAndStartsIt)
     const auto gateway = startGateway(rig);
     ASSERT_TRUE(writeFile(rig.home->updaterFlagFile(), ""));
 
-    const Ran told = rig.update({str("--check")});
+    const Ran told = rig.update({u"--check"_s});
     EXPECT_EQ(told.status, 0) << told.err.toStdString();
     EXPECT_TRUE(told.out.contains(QLatin1String(rig.newVersion + " is available; you have 1.0")));
     const Ran offered = rig.update({}); // There is nobody to ask.
-    EXPECT_TRUE(offered.out.contains(str("quarry update --install"))) << offered.out.toStdString();
+    EXPECT_TRUE(offered.out.contains(u"quarry update --install"_s)) << offered.out.toStdString();
     EXPECT_FALSE(QFileInfo::exists(rig.home->updaterFlagFile())) << "the offer was made";
     expectVersion1AndNothingElse(rig);
     QFile::remove(rig.inHome("started"));
 
-    const Ran ran = rig.update({str("--install")});
+    const Ran ran = rig.update({u"--install"_s});
     EXPECT_EQ(ran.status, 0) << ran.err.toStdString();
-    EXPECT_TRUE(ran.out.contains(str("is installed"))) << ran.out.toStdString();
+    EXPECT_TRUE(ran.out.contains(u"is installed"_s)) << ran.out.toStdString();
     for (const char* note : {"started", "agents"})
         EXPECT_TRUE(waitFor([&] { return contentOf(rig.inHome(note)) == rig.newVersion + '\n'; })) << note;
     EXPECT_TRUE(gateway->waitForFinished(60000)) << "every program quits";
     EXPECT_EQ(gateway->exitCode(), 0);
     EXPECT_EQ(rig.leftOver(), QStringList());
-    EXPECT_EQ(SoftwareUpdateRig::namesIn(rig.inHome(".local/share/Trash/files")),
-              QStringList{str("QuarrySpotter.app")});
+    EXPECT_EQ(SoftwareUpdateRig::namesIn(rig.inHome(".local/share/Trash/files")), QStringList{u"QuarrySpotter.app"_s});
     EXPECT_FALSE(QFileInfo::exists(rig.inHome("browser")));
 
-    const Ran again = rig.update({str("--install")}); // By the new version's own program.
+    const Ran again = rig.update({u"--install"_s}); // By the new version's own program.
     EXPECT_EQ(again.status, 0) << again.err.toStdString();
-    EXPECT_TRUE(again.out.contains(str("up to date"))) << again.out.toStdString();
+    EXPECT_TRUE(again.out.contains(u"up to date"_s)) << again.out.toStdString();
     EXPECT_TRUE(rig.server->payloads().last().contains(QLatin1String('|' + rig.newVersion + "|QS1|NOLOG")));
 }
 
@@ -111,14 +106,14 @@ TEST(SoftwareUpdate, LeavesVersion1AloneWhenItFails)
         SoftwareUpdateRig rig;
         const auto gateway = startGateway(rig);
         given.prepare(rig);
-        const Ran ran = rig.update({str("--install")});
+        const Ran ran = rig.update({u"--install"_s});
         EXPECT_EQ(ran.status, 1) << ran.out.toStdString();
-        EXPECT_TRUE(ran.err.contains(str(given.said))) << ran.err.toStdString();
+        EXPECT_TRUE(ran.err.contains(QString::fromUtf8(given.said))) << ran.err.toStdString();
         expectVersion1AndNothingElse(rig);
         EXPECT_EQ(gateway->state(), QProcess::Running) << "nobody else was disturbed";
         gateway->kill();
         gateway->waitForFinished();
-        EXPECT_FALSE(QFileInfo::exists(str("/tmp/quarry-was-here-") + QLatin1String(rig.newVersion)));
+        EXPECT_FALSE(QFileInfo::exists(u"/tmp/quarry-was-here-"_s + QLatin1String(rig.newVersion)));
         if (given.browser)
             EXPECT_TRUE(waitFor([&] { return contentOf(rig.inHome("browser")).trimmed().endsWith(given.browser); }));
         else
@@ -136,12 +131,12 @@ TEST(SoftwareUpdate, LeavesNothingWhenItIsInterruptedAtHalf)
                         bytes.first(bytes.size() / 2));
         server.waitForClient();
     };
-    const auto update = rig.start(rig.quarry(), {str("update"), str("--install")});
+    const auto update = rig.start(rig.quarry(), {u"update"_s, u"--install"_s});
     ASSERT_TRUE(waitFor([&] { return isAtHalf.load(); }));
     ASSERT_EQ(::kill(static_cast<pid_t>(update->processId()), SIGINT), 0);
     const Ran ran = SoftwareUpdateRig::ended(*update);
     EXPECT_EQ(ran.status, 1);
-    EXPECT_TRUE(ran.err.contains(str("nothing was changed"))) << ran.err.toStdString();
+    EXPECT_TRUE(ran.err.contains(u"nothing was changed"_s)) << ran.err.toStdString();
     expectVersion1AndNothingElse(rig);
 }
 
@@ -150,13 +145,13 @@ class SmallDisk final {
 public:
     explicit SmallDisk(qint64 bytes)
     {
-        _isThere = QProcess::execute(str("mount"), {str("-t"), str("tmpfs"), str("-o"), str("size=%1").arg(bytes),
-                                                    str("tmpfs"), path()}) == 0;
+        _isThere = QProcess::execute(u"mount"_s,
+                                     {u"-t"_s, u"tmpfs"_s, u"-o"_s, u"size=%1"_s.arg(bytes), u"tmpfs"_s, path()}) == 0;
     }
     ~SmallDisk()
     {
         if (_isThere)
-            QProcess::execute(str("umount"), {str("-l"), path()});
+            QProcess::execute(u"umount"_s, {u"-l"_s, path()});
     }
     SmallDisk(const SmallDisk&) = delete;
     SmallDisk& operator=(const SmallDisk&) = delete;
@@ -174,11 +169,11 @@ TEST(SoftwareUpdate, NeedsRoomForTheNewVersionBesideTheOldOne)
     const SmallDisk disk(rig.server->files[rig.image].size() * 3 / 2);
     if (!disk.isThere())
         GTEST_SKIP() << "this user may not mount a small disk";
-    rig.installed = disk.path() + str("/QuarrySpotter.app");
+    rig.installed = disk.path() + u"/QuarrySpotter.app"_s;
     rig.makeBundle(rig.installed, "1.0");
-    const Ran ran = rig.update({str("--install")});
+    const Ran ran = rig.update({u"--install"_s});
     EXPECT_EQ(ran.status, 1);
-    EXPECT_TRUE(ran.err.contains(str("not enough free space"))) << ran.err.toStdString();
+    EXPECT_TRUE(ran.err.contains(u"not enough free space"_s)) << ran.err.toStdString();
     expectVersion1AndNothingElse(rig);
 }
 
@@ -189,9 +184,9 @@ TEST(SoftwareUpdate, LeavesNothingOfADownloadThatDoesNotFit)
     if (!disk.isThere())
         GTEST_SKIP() << "this user may not mount a small disk";
     ASSERT_TRUE(QFile::link(disk.path(), rig.inHome("Downloads")));
-    const Ran ran = rig.update({str("--install")});
+    const Ran ran = rig.update({u"--install"_s});
     EXPECT_EQ(ran.status, 1);
-    EXPECT_TRUE(ran.err.contains(str("cannot be written"))) << ran.err.toStdString();
+    EXPECT_TRUE(ran.err.contains(u"cannot be written"_s)) << ran.err.toStdString();
     expectVersion1AndNothingElse(rig);
 }
 

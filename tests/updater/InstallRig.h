@@ -14,6 +14,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <gtest/gtest.h>
+
 namespace quarry::test {
 
 /// The real files, until they are told to fail.
@@ -46,24 +48,17 @@ private:
     DiskBundleFiles _disk;
 };
 
-/// Version 1 installed in a folder, version 2 on the maker's server, and an updater that is about to be told yes.
-class InstallRig {
+/// Version 1 installed in a folder and the next one on the maker's server, for a user with a home folder of their own.
+class MakerRig {
 public:
-    InstallRig()
+    explicit MakerRig(const QByteArray& nextVersion) : newVersion(nextVersion)
     {
-        qputenv("HOME", _home.path().toUtf8());
+        qputenv("HOME", home.path().toUtf8());
         qunsetenv("XDG_DATA_HOME");
         makeBundle(installed, "1.0");
         QFile::copy(QStringLiteral(QUARRY_BUNDLE_DIR "/bin/DiskImageTool"),
                     installed + QStringLiteral("/Contents/bin/DiskImageTool"));
-        key = *makeSigningKey();
-        product.version = QStringLiteral("1.0");
-        product.bundlePath = installed;
-        product.osVersion = 120400;
-        product.publicKey = key.publicKey;
-        product.needsSignature = true;
-        product.scriptUrl = Url::fromStored(QString::fromLatin1(server.address()));
-        serveVersion("2.0");
+        serveVersion(newVersion);
     }
 
     static void makeBundle(const QString& path, const QByteArray& version)
@@ -71,7 +66,9 @@ public:
         const QString contents = path + QStringLiteral("/Contents/");
         QDir().mkpath(contents + QStringLiteral("bin"));
         QDir().mkpath(contents + QStringLiteral("Resources/English.lproj"));
-        QDir().mkpath(contents + QStringLiteral("Agents/QuarrySpotterAgent.app"));
+        const QString agent = contents + QStringLiteral("Agents/QuarrySpotterAgent.app/Contents/bin/");
+        QDir().mkpath(agent);
+        QFile::copy(QStringLiteral("/bin/true"), agent + QStringLiteral("RelaunchApp"));
         writeFile(contents + QStringLiteral("Info.plist"),
                   "<plist version=\"1.0\"><dict><key>CFBundleVersion</key><string>" + version +
                       "</string><key>CFBundleExecutable</key><string>QuarrySpotter</string></dict></plist>");
@@ -79,7 +76,7 @@ public:
         writeFile(program, "#!/bin/sh\necho " + version + '\n');
         QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     }
-    /// An image with that version, signed, and the reply that tells of 2.0.
+    /// An image with that version, signed, and the reply that tells of the next one.
     void serveVersion(const QByteArray& version)
     {
         const QTemporaryDir made;
@@ -89,16 +86,46 @@ public:
     }
     void serveImageOf(const QString& folder)
     {
-        const QString image = _home.path() + QStringLiteral("/made.iso");
-        writeImage(folder, image).toStdString();
-        serveImage(contentOf(image));
-        QFile::remove(image);
+        const QString made = home.path() + QStringLiteral("/made.iso");
+        EXPECT_EQ(writeImage(folder, made).toStdString(), "");
+        serveImage(contentOf(made));
+        QFile::remove(made);
     }
     void serveImage(const QByteArray& bytes)
     {
-        server.files["/QS-2.0.iso"] = bytes;
-        server.files["/QS-2.0.iso.sig"] = *signatureOf(bytes, key.seed);
-        server.reply = "2.0;101500;https://a.example/p;" + server.address("/QS-2.0.iso");
+        server.files[image] = bytes;
+        server.files[image + ".sig"] = *signatureOf(bytes, key.seed);
+        server.reply = newVersion + ";101500;https://a.example/p;" + server.address(image);
+    }
+    [[nodiscard]] QByteArray installedVersion() const
+    {
+        return contentOf(installed + QStringLiteral("/Contents/bin/QuarrySpotter"));
+    }
+    static QStringList namesIn(const QString& folder)
+    {
+        return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    }
+
+    TemporaryHome home;
+    QTemporaryDir place; ///< Nothing else is in it than what is installed.
+    QString installed = place.filePath(QStringLiteral("QuarrySpotter.app"));
+    QByteArray newVersion;
+    QByteArray image = "/QS-" + newVersion + ".iso";
+    SigningKey key = *makeSigningKey();
+    ScriptServer server;
+};
+
+/// An updater that is about to be told yes.
+class InstallRig : public MakerRig {
+public:
+    InstallRig() : MakerRig("2.0")
+    {
+        product.version = QStringLiteral("1.0");
+        product.bundlePath = installed;
+        product.osVersion = 120400;
+        product.publicKey = key.publicKey;
+        product.needsSignature = true;
+        product.scriptUrl = Url::fromStored(QString::fromLatin1(server.address()));
     }
 
     /// Checks; the user says yes; what happens then is up to the test.
@@ -126,34 +153,21 @@ public:
         });
     }
 
-    [[nodiscard]] QByteArray installedVersion() const
-    {
-        return contentOf(installed + QStringLiteral("/Contents/bin/QuarrySpotter"));
-    }
-    static QStringList namesIn(const QString& folder)
-    {
-        return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    }
-    [[nodiscard]] QString trash() const { return _home.path() + QStringLiteral("/.local/share/Trash/files"); }
+    [[nodiscard]] QString trash() const { return home.path() + QStringLiteral("/.local/share/Trash/files"); }
     /// What should not be there any more: beside the bundle, among the downloads, where images are mounted.
     [[nodiscard]] QStringList leftOver() const
     {
-        QStringList names = namesIn(_place.path());
+        QStringList names = namesIn(place.path());
         names.removeAll(QStringLiteral("QuarrySpotter.app"));
         return names + namesIn(parts.downloadsFolder) + namesIn(_mounts.path());
     }
 
 private:
-    TemporaryHome _home;
-    QTemporaryDir _place;
     QTemporaryDir _mounts;
 
 public:
-    QString installed = _place.filePath(QStringLiteral("QuarrySpotter.app"));
     QString mountFolder = _mounts.filePath(QStringLiteral("QS-2.0"));
-    SigningKey key;
     ProductInfo product;
-    ScriptServer server;
     SettableClock clock;
     EagerTimers events;
     LocalNotifications notifications;
@@ -173,7 +187,7 @@ public:
             using std::chrono::milliseconds;
             return makeUpdateDownloader({milliseconds(500), milliseconds(2000), milliseconds(20000), 1 << 24, 3});
         },
-        _home.path() + QStringLiteral("/Downloads"),
+        home.path() + QStringLiteral("/Downloads"),
         _mounts.path(),
         [this] { terminated = true; },
         {}};

@@ -15,18 +15,14 @@
 
 using namespace quarry;
 using namespace quarry::test;
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-QString str(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
 UpdateInfos infosOf(const char* version, const char* system = "101500")
 {
-    return {str(version), str(system), Url::fromStored(str("https://a.example/p")),
-            Url::fromStored(str("https://a.example/q.iso"))};
+    return {QString::fromUtf8(version), QString::fromUtf8(system), Url::fromStored(u"https://a.example/p"_s),
+            Url::fromStored(u"https://a.example/q.iso"_s)};
 }
 
 struct Delegate final : UpdateResultDelegate {
@@ -37,9 +33,9 @@ struct Delegate final : UpdateResultDelegate {
 struct LXUpdaterTest : testing::Test {
     LXUpdaterTest()
     {
-        product.version = str("1.2.5");
+        product.version = u"1.2.5"_s;
         product.osVersion = 120400;
-        product.scriptUrl = Url::fromStored(str("https://updates.example/u"));
+        product.scriptUrl = Url::fromStored(u"https://updates.example/u"_s);
     }
     std::unique_ptr<LXUpdater> make()
     {
@@ -52,7 +48,7 @@ struct LXUpdaterTest : testing::Test {
         const auto makeWindow = [this] { return std::make_unique<FakeUpdaterWindow>(window); };
         auto updater = std::make_unique<LXUpdater>(UpdaterParts{product, clock, events, notifications, defaults, alerts,
                                                                 texts, makeLoader, makeWindow, nullptr});
-        updater->setProductReference(str("QS1"));
+        updater->setProductReference(u"QS1"_s);
         updater->setCheckEndedHandler([this](UpdateCheckEnd end) { ends.push_back(end); });
         return updater;
     }
@@ -81,23 +77,23 @@ TEST_F(LXUpdaterTest, AgentAnnouncesANewVersionToTheOtherPrograms)
     const auto updater = make();
     updater->setCanWarnUser(false);
     updater->setLogFlag(true);
-    updater->setScriptURL(Url::fromStored(str("https://updates.example/script")));
+    updater->setScriptURL(Url::fromStored(u"https://updates.example/script"_s));
     updater->setScriptURL(Url());
     updater->checkVersionAsynchronous();
     updater->checkVersionAsynchronous();
     ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(requests, std::vector<QByteArray>{"https://updates.example/script?" +
-                                                RequestCoding::asciiToHexa(str("120400|1.2.5|QS1|LOG")).toLatin1()});
+                                                RequestCoding::asciiToHexa(u"120400|1.2.5|QS1|LOG"_s).toLatin1()});
     EXPECT_EQ(ends, std::vector{UpdateCheckEnd::Offered});
-    EXPECT_EQ(notifications.names, QStringList{str("NEW_VERSION_AVAILABLE_NOTIFICATION QS1")});
-    EXPECT_EQ(notifications.last.value(str("ProductDownloadURLKey")), str("https://a.example/p"));
+    EXPECT_EQ(notifications.names, QStringList{u"NEW_VERSION_AVAILABLE_NOTIFICATION QS1"_s});
+    EXPECT_EQ(notifications.last.value(u"ProductDownloadURLKey"_s), u"https://a.example/p"_s);
     EXPECT_EQ(updater->updateInfos(), infosOf("1.2.6"));
     EXPECT_TRUE(window.offers.empty());
 
     // The notification comes back: the agent shows the offer and gets its answer.
     Delegate agent;
     updater->setResultDelegate(&agent);
-    updater->askForDownloadUpdate(str("1.2.6"));
+    updater->askForDownloadUpdate(u"1.2.6"_s);
     ASSERT_EQ(window.offers.size(), 1U);
     EXPECT_EQ(window.offers.front(), infosOf("1.2.6"));
     EXPECT_TRUE(updater->isShowingWindow());
@@ -141,7 +137,7 @@ TEST_F(LXUpdaterTest, DecidesByVersionSystemAndWhoAsked)
         updater->setManualUpdate(c.manual);
         EXPECT_EQ(updater->checkudatesWithVersionInPhp(c.infos), c.end) << c.name;
         EXPECT_EQ(window.offers.size(), c.offers) << c.name;
-        EXPECT_EQ(alerts.titles(), c.alert ? QStringList{str(c.alert)} : QStringList()) << c.name;
+        EXPECT_EQ(alerts.titles(), c.alert ? QStringList{QString::fromUtf8(c.alert)} : QStringList()) << c.name;
         EXPECT_EQ(notifications.names.size(), c.announced ? 1 : 0) << c.name;
     }
 }
@@ -151,7 +147,7 @@ TEST_F(LXUpdaterTest, WarnsOfANewerSystemUntilToldNotTo)
     const auto updater = make();
     updater->checkudatesWithVersionInPhp(infosOf("1.2.6", "130000"));
     EXPECT_TRUE(updater->isShowingWindow());
-    EXPECT_EQ(alerts.shown.front().message, str("Updater_1.0_New version for recent os  message"));
+    EXPECT_EQ(alerts.shown.front().message, u"Updater_1.0_New version for recent os  message"_s);
     alerts.answer(0);
     EXPECT_TRUE(defaults.warnAgain);
     EXPECT_EQ(alerts.fronts, 0) << "nobody asked";
@@ -168,7 +164,7 @@ TEST_F(LXUpdaterTest, OffersOnceADayUnlessAsked)
     const auto updater = make();
     const auto offersAfter = [&](double seconds) {
         clock.advance(seconds);
-        updater->askForDownloadUpdate(str("1.2.6"));
+        updater->askForDownloadUpdate(u"1.2.6"_s);
         return window.offers.size();
     };
     EXPECT_EQ(offersAfter(0), 1U);
@@ -190,9 +186,9 @@ TEST_F(LXUpdaterTest, ManualCheckIsSentWithoutLogAndTold)
     updater->setManualUpdate(true);
     updater->checkVersionAsynchronous();
     ASSERT_TRUE(waitForEnd());
-    EXPECT_TRUE(requests.front().endsWith(RequestCoding::asciiToHexa(str("|NOLOG")).toLatin1()))
+    EXPECT_TRUE(requests.front().endsWith(RequestCoding::asciiToHexa(u"|NOLOG"_s).toLatin1()))
         << requests.front().constData();
-    EXPECT_EQ(alerts.titles(), QStringList{str("Updater_1.0_No new version title")});
+    EXPECT_EQ(alerts.titles(), QStringList{u"Updater_1.0_No new version title"_s});
     EXPECT_EQ(alerts.fronts, 1);
 }
 
@@ -200,7 +196,7 @@ TEST_F(LXUpdaterTest, EndsQuietlyWithoutAUsableReply)
 {
     const auto updater = make();
     updater->setCanWarnUser(true);
-    reply = FakePageLoader::failure(str("connection refused"));
+    reply = FakePageLoader::failure(u"connection refused"_s);
     updater->checkVersionAsynchronous();
     ASSERT_TRUE(waitForEnd());
     answer("nonsense");
@@ -233,7 +229,7 @@ TEST_F(LXUpdaterTest, ChecksOnlyWhereItMay)
     nameless->checkVersionAsynchronous();
     EXPECT_TRUE(ends.empty());
 
-    product.scriptUrl = Url::fromStored(str("http://updates.example/u"));
+    product.scriptUrl = Url::fromStored(u"http://updates.example/u"_s);
     const auto plain = make();
     plain->checkVersionAsynchronous();
     product.updatesComeFromSystem = true;
@@ -243,12 +239,12 @@ TEST_F(LXUpdaterTest, ChecksOnlyWhereItMay)
     product.updatesComeFromSystem = false;
     product.scriptUrl = {};
     const auto without = make();
-    without->setScriptURL(Url::fromStored(str("https://updates.example/u")));
+    without->setScriptURL(Url::fromStored(u"https://updates.example/u"_s));
     without->checkVersionAsynchronous();
     EXPECT_EQ(ends, (std::vector{UpdateCheckEnd::NoReply, UpdateCheckEnd::NoUpdates, UpdateCheckEnd::NoUpdates}));
     EXPECT_TRUE(requests.empty());
     ASSERT_EQ(alerts.shown.size(), 1U) << "only the check that the user asked for is answered";
-    EXPECT_EQ(alerts.shown.front().message, str("Updater_1.0_Updates from system message"));
+    EXPECT_EQ(alerts.shown.front().message, u"Updater_1.0_Updates from system message"_s);
 }
 
 TEST(PreferencesDefaults, KeepsTheAnswerAmongThePreferences)

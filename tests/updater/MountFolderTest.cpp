@@ -14,46 +14,42 @@
 
 using namespace quarry;
 using namespace quarry::test;
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-QString str(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
 struct MountFolderTest : testing::Test {
     QTemporaryDir place;
-    QString image = place.filePath(str("a.iso"));
-    QString folder = place.filePath(str("mounted"));
+    QString image = place.filePath(u"a.iso"_s);
+    QString folder = place.filePath(u"mounted"_s);
 
     /// Everything in the temporary folder but the image.
     QStringList leftOver()
     {
         QStringList names =
             QDir(place.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-        names.removeAll(str("a.iso"));
+        names.removeAll(u"a.iso"_s);
         return names;
     }
 };
 
 TEST_F(MountFolderTest, UnpacksAnImageReadOnlyAndRemovesIt)
 {
-    const QString bundle = place.filePath(str("Ünï.app"));
-    ASSERT_TRUE(QDir().mkpath(bundle + str("/Contents/a folder/deeper")));
-    ASSERT_TRUE(writeFile(bundle + str("/Contents/program"), "#!/bin/sh\n"));
-    QFile::setPermissions(bundle + str("/Contents/program"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    ASSERT_TRUE(writeFile(bundle + str("/Contents/a folder/deeper/a long name of a text file, with blanks.text"), "x"));
-    ASSERT_TRUE(QFile::link(str("../program"), bundle + str("/Contents/a folder/link")));
+    const QString bundle = place.filePath(u"Ünï.app"_s);
+    ASSERT_TRUE(QDir().mkpath(bundle + u"/Contents/a folder/deeper"_s));
+    ASSERT_TRUE(writeFile(bundle + u"/Contents/program"_s, "#!/bin/sh\n"));
+    QFile::setPermissions(bundle + u"/Contents/program"_s, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    ASSERT_TRUE(writeFile(bundle + u"/Contents/a folder/deeper/a long name of a text file, with blanks.text"_s, "x"));
+    ASSERT_TRUE(QFile::link(u"../program"_s, bundle + u"/Contents/a folder/link"_s));
     ASSERT_EQ(writeImage(bundle + u'/', image), QString());
     ASSERT_TRUE(QDir(bundle).removeRecursively());
 
-    const auto tool = makeDiskImageTool(str(QUARRY_BUNDLE_DIR "/.."));
+    const auto tool = makeDiskImageTool(QStringLiteral(QUARRY_BUNDLE_DIR "/.."));
     ASSERT_EQ(mountDMGFile(*tool, image, nullptr, folder), folder);
-    const QString contents = folder + str("/Ünï.app/Contents");
-    EXPECT_EQ(contentOf(contents + str("/a folder/deeper/a long name of a text file, with blanks.text")), "x");
-    EXPECT_EQ(contentOf(contents + str("/a folder/link")), "#!/bin/sh\n");
-    EXPECT_TRUE(QFileInfo(contents + str("/program")).isExecutable());
+    const QString contents = folder + u"/Ünï.app/Contents"_s;
+    EXPECT_EQ(contentOf(contents + u"/a folder/deeper/a long name of a text file, with blanks.text"_s), "x");
+    EXPECT_EQ(contentOf(contents + u"/a folder/link"_s), "#!/bin/sh\n");
+    EXPECT_TRUE(QFileInfo(contents + u"/program"_s).isExecutable());
     EXPECT_FALSE(QFile::permissions(contents).testFlag(QFile::WriteOwner));
     EXPECT_EQ(QFile::permissions(folder) & (QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther),
               QFile::Permissions());
@@ -72,9 +68,9 @@ TEST_F(MountFolderTest, MountsTheSealedBytesWhateverTheFileHoldsByThen)
     EXPECT_EQ(sealed->bytes(), contentOf(image));
     EXPECT_FALSE(SealedFile::copyOf(image, 100, nullptr)) << "larger than that";
     ASSERT_TRUE(buildImage(image, {{"good", AE_IFREG, "exchanged"}}));
-    const auto tool = makeDiskImageTool(str(QUARRY_BUNDLE_DIR "/.."));
+    const auto tool = makeDiskImageTool(QStringLiteral(QUARRY_BUNDLE_DIR "/.."));
     ASSERT_EQ(mountDMGFile(*tool, image, &*sealed, folder), folder);
-    EXPECT_EQ(contentOf(folder + str("/good")), "as it was");
+    EXPECT_EQ(contentOf(folder + u"/good"_s), "as it was");
     unmountDiskImage(*tool, folder);
 }
 
@@ -82,16 +78,16 @@ TEST_F(MountFolderTest, LeavesAFolderAloneThatItDidNotMake)
 {
     ASSERT_TRUE(buildImage(image, {{"good", AE_IFREG, "x"}}));
     ASSERT_TRUE(QDir().mkpath(folder));
-    ASSERT_TRUE(writeFile(folder + str("/mine"), "x"));
-    const auto tool = makeDiskImageTool(str(QUARRY_BUNDLE_DIR "/.."));
+    ASSERT_TRUE(writeFile(folder + u"/mine"_s, "x"));
+    const auto tool = makeDiskImageTool(QStringLiteral(QUARRY_BUNDLE_DIR "/.."));
     EXPECT_EQ(mountDMGFile(*tool, image, nullptr, folder), QString()) << "not the folder of the image";
     unmountDiskImage(*tool, folder);
-    EXPECT_EQ(QDir(folder).entryList(QDir::Files), QStringList{str("mine")});
-    const QString link = place.filePath(str("link"));
+    EXPECT_EQ(QDir(folder).entryList(QDir::Files), QStringList{u"mine"_s});
+    const QString link = place.filePath(u"link"_s);
     ASSERT_TRUE(QFile::link(folder, link));
     EXPECT_NE(attachImage(image, link), QString());
     EXPECT_NE(detachImage(link), QString());
-    EXPECT_TRUE(QFile::exists(folder + str("/mine")));
+    EXPECT_TRUE(QFile::exists(folder + u"/mine"_s));
 }
 
 TEST_F(MountFolderTest, RefusesWhatLeadsOutsideAndLeavesNothing)
@@ -102,7 +98,7 @@ TEST_F(MountFolderTest, RefusesWhatLeadsOutsideAndLeavesNothing)
         std::vector<ImageEntry> entries;
     };
     const Case cases[] = {
-        {"absolute path", {good, {(place.path() + str("/out")).toUtf8(), AE_IFREG, "x"}}},
+        {"absolute path", {good, {(place.path() + u"/out"_s).toUtf8(), AE_IFREG, "x"}}},
         {"path with ..", {good, {"a/../../out", AE_IFREG, "x"}}},
         {"absolute link", {good, {"link", AE_IFLNK, {}, "/etc"}}},
         {"link outside", {good, {"a/link", AE_IFLNK, {}, "../../out"}}},

@@ -15,17 +15,13 @@ using namespace quarry::test;
 namespace {
 
 using End = UpdateInstallation::End;
-
-QString str(const char* text)
-{
-    return QString::fromUtf8(text);
-}
+using namespace Qt::Literals::StringLiterals;
 
 TEST(UpdateInstall, ReplacesTheOldVersionAndStartsTheNewOne)
 {
     InstallRig rig;
     ASSERT_TRUE(rig.accept());
-    EXPECT_EQ(rig.server.payloads(), QStringList{str("120400|1.0|QS1|NOLOG")});
+    EXPECT_EQ(rig.server.payloads(), QStringList{u"120400|1.0|QS1|NOLOG"_s});
     EXPECT_FALSE(rig.updater->isInstalling());
     bool wasInstalling = false;
     ASSERT_TRUE(rig.events.runUntil([&] {
@@ -38,21 +34,20 @@ TEST(UpdateInstall, ReplacesTheOldVersionAndStartsTheNewOne)
     }));
     EXPECT_TRUE(rig.terminated && wasInstalling);
     EXPECT_EQ(rig.end, End::Installed);
-    EXPECT_EQ(rig.alerts.titles(), QStringList{str("Updater_1.0_Install Finish Title")});
-    EXPECT_EQ(rig.notifications.names, QStringList{str("QUIT_EVERYBODY_NOTIFICATION QS1")});
+    EXPECT_EQ(rig.alerts.titles(), QStringList{u"Updater_1.0_Install Finish Title"_s});
+    EXPECT_EQ(rig.notifications.names, QStringList{u"QUIT_EVERYBODY_NOTIFICATION QS1"_s});
     EXPECT_EQ(rig.workspace.opened,
-              (QStringList{rig.installed, rig.installed + str("/Contents/Agents/QuarrySpotterAgent.app")}));
+              (QStringList{rig.installed, rig.installed + u"/Contents/Agents/QuarrySpotterAgent.app"_s}));
     EXPECT_EQ(rig.workspace.addresses, QStringList());
     EXPECT_EQ(rig.leftOver(), QStringList());
-    EXPECT_EQ(InstallRig::namesIn(rig.trash()), QStringList{str("QuarrySpotter.app")});
+    EXPECT_EQ(InstallRig::namesIn(rig.trash()), QStringList{u"QuarrySpotter.app"_s});
     for (const char* path : {"", "/Contents", "/Contents/Info.plist", "/Contents/bin/QuarrySpotter"})
-        EXPECT_TRUE(QFile::permissions(rig.installed + str(path)).testFlag(QFile::WriteOwner)) << path;
-    EXPECT_TRUE(QFileInfo(rig.installed + str("/Contents/bin/QuarrySpotter")).isExecutable());
+        EXPECT_TRUE(QFile::permissions(rig.installed + QString::fromUtf8(path)).testFlag(QFile::WriteOwner)) << path;
+    EXPECT_TRUE(QFileInfo(rig.installed + u"/Contents/bin/QuarrySpotter"_s).isExecutable());
 
-    EXPECT_EQ(rig.window.calls,
-              (QStringList{str("center"), str("indeterminate"), str("Updater_1.0_Status Preparing"),
-                           str("Updater_1.0_Status Downloading"), str("determinate"), str("start time"),
-                           str("indeterminate"), str("Updater_1.0_Status Installing"), str("hide")}));
+    EXPECT_EQ(rig.window.calls, (QStringList{u"center"_s, u"indeterminate"_s, u"Updater_1.0_Status Preparing"_s,
+                                             u"Updater_1.0_Status Downloading"_s, u"determinate"_s, u"start time"_s,
+                                             u"indeterminate"_s, u"Updater_1.0_Status Installing"_s, u"hide"_s}));
     EXPECT_EQ(rig.window.received, static_cast<double>(rig.server.files["/QS-2.0.iso"].size()));
     EXPECT_EQ(rig.window.expected, rig.window.received);
     using std::chrono::milliseconds;
@@ -131,30 +126,30 @@ TEST(UpdateInstall, KeepsTheOldVersionAndLeavesNothingWhenItFails)
          Shown::Image},
         {"an image with a link outside",
          [](InstallRig& rig) {
-             const QString image = rig.mountFolder + str(".made");
+             const QString image = rig.mountFolder + u".made"_s;
              ASSERT_TRUE(buildImage(image, {{"QuarrySpotter.app", AE_IFLNK, {}, "/etc"}}));
              rig.serveImage(contentOf(image));
              QFile::remove(image);
          },
          notOpened, Shown::Image},
         {"somebody else's folder in the way",
-         [](InstallRig& rig) { InstallRig::makeBundle(rig.mountFolder + str("/QuarrySpotter.app"), "6.6.6"); },
-         notOpened, Shown::Image},
+         [](InstallRig& rig) { InstallRig::makeBundle(rig.mountFolder + u"/QuarrySpotter.app"_s, "6.6.6"); }, notOpened,
+         Shown::Image},
         {"an image with an older version", [](InstallRig& rig) { rig.serveVersion("0.9"); }, untrusted},
         {"an image with this version", [](InstallRig& rig) { rig.serveVersion("1.0"); }, untrusted},
         {"an image without the bundle",
          [](InstallRig& rig) {
              const QTemporaryDir made;
-             InstallRig::makeBundle(made.filePath(str("Other.app")), "2.0");
-             rig.serveImageOf(made.filePath(str("Other.app")));
+             InstallRig::makeBundle(made.filePath(u"Other.app"_s), "2.0");
+             rig.serveImageOf(made.filePath(u"Other.app"_s));
          },
          untrusted},
         {"a bundle without its program",
          [](InstallRig& rig) {
              const QTemporaryDir made;
-             InstallRig::makeBundle(made.filePath(str("QuarrySpotter.app")), "2.0");
-             QFile::remove(made.filePath(str("QuarrySpotter.app/Contents/bin/QuarrySpotter")));
-             rig.serveImageOf(made.filePath(str("QuarrySpotter.app")));
+             InstallRig::makeBundle(made.filePath(u"QuarrySpotter.app"_s), "2.0");
+             QFile::remove(made.filePath(u"QuarrySpotter.app/Contents/bin/QuarrySpotter"_s));
+             rig.serveImageOf(made.filePath(u"QuarrySpotter.app"_s));
          },
          untrusted},
         {"no space for the bundle", [](InstallRig& rig) { rig.files.isFull = true; }, "Updater_1.0_No space message"},
@@ -173,14 +168,14 @@ TEST(UpdateInstall, KeepsTheOldVersionAndLeavesNothingWhenItFails)
         EXPECT_EQ(rig.installedVersion(), "#!/bin/sh\necho 1.0\n");
         EXPECT_EQ(InstallRig::namesIn(rig.trash()), QStringList());
         EXPECT_EQ(InstallRig::namesIn(rig.mountFolder), before);
-        EXPECT_EQ(rig.leftOver(), before.isEmpty() ? QStringList() : QStringList{str("QS-2.0")});
+        EXPECT_EQ(rig.leftOver(), before.isEmpty() ? QStringList() : QStringList{u"QS-2.0"_s});
         EXPECT_FALSE(rig.window.showing || rig.terminated);
         ASSERT_EQ(rig.alerts.shown.size(), c.message ? 1U : 0U);
         if (c.message) {
-            EXPECT_EQ(rig.alerts.shown.front().message, str(c.message));
+            EXPECT_EQ(rig.alerts.shown.front().message, QString::fromUtf8(c.message));
         }
         const QStringList shown[] = {
-            {}, {QString::fromLatin1(rig.server.address("/QS-2.0.iso"))}, {str("https://a.example/p")}};
+            {}, {QString::fromLatin1(rig.server.address("/QS-2.0.iso"))}, {u"https://a.example/p"_s}};
         EXPECT_EQ(rig.workspace.addresses, shown[static_cast<std::size_t>(c.shown)]);
         EXPECT_EQ(rig.notifications.names.size(), c.othersQuit ? 1 : 0);
         EXPECT_EQ(rig.workspace.opened.size(), c.othersQuit ? 1 : 0) << "the agent runs again";
@@ -195,15 +190,15 @@ TEST(UpdateInstall, CancelAtHalfKeepsTheFileThatWasThere)
         server.waitForClient();
     };
     ASSERT_TRUE(QDir().mkpath(rig.parts.downloadsFolder));
-    ASSERT_TRUE(writeFile(rig.parts.downloadsFolder + str("/QS-2.0.iso"), "mine"));
+    ASSERT_TRUE(writeFile(rig.parts.downloadsFolder + u"/QS-2.0.iso"_s, "mine"));
     ASSERT_TRUE(rig.accept());
     ASSERT_TRUE(rig.events.runUntil([&] { return rig.window.received > 0 || rig.end; }));
     EXPECT_EQ(rig.window.expected, 500000);
     rig.updater->cancelUpdate();
     EXPECT_EQ(rig.end, End::Cancelled);
     EXPECT_FALSE(rig.window.showing);
-    EXPECT_EQ(rig.leftOver(), QStringList{str("QS-2.0.iso")});
-    EXPECT_EQ(contentOf(rig.parts.downloadsFolder + str("/QS-2.0.iso")), "mine");
+    EXPECT_EQ(rig.leftOver(), QStringList{u"QS-2.0.iso"_s});
+    EXPECT_EQ(contentOf(rig.parts.downloadsFolder + u"/QS-2.0.iso"_s), "mine");
 
     // The next try is not in its way.
     rig.server.answers.clear();
@@ -261,7 +256,7 @@ TEST(UpdateInstall, TellsOfADiskThatFillsUpDuringTheDownload)
     EXPECT_EQ(rig.end, End::Failed);
     EXPECT_GT(rig.window.received, 0);
     EXPECT_LT(rig.window.received, 2 << 20);
-    EXPECT_EQ(rig.workspace.addresses, QStringList{str("https://a.example/p")});
+    EXPECT_EQ(rig.workspace.addresses, QStringList{u"https://a.example/p"_s});
     EXPECT_EQ(rig.leftOver(), QStringList());
 }
 

@@ -17,33 +17,29 @@
 using namespace quarry;
 using quarry::test::FakePageLoader;
 using quarry::test::LoopbackServer;
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-QString str(const char* text)
-{
-    return QString::fromUtf8(text);
-}
-
 Url url(const char* text)
 {
-    return Url::fromStored(str(text));
+    return Url::fromStored(QString::fromUtf8(text));
 }
 
 TEST(RequestCoding, WritesAndReadsHexadecimalDigits)
 {
-    EXPECT_EQ(RequestCoding::asciiToHexa(str("100604|1.2.5|QS1|LOG")), str("3130303630347c312e322e357c5153317c4c4f47"));
-    EXPECT_EQ(RequestCoding::asciiToHexa(str("é")), str("ffffffc3ffffffa9")) << "a byte above 0x7F, sign-extended";
-    EXPECT_EQ(RequestCoding::asciiToHexa(QString()), str("ERROR"));
-    EXPECT_EQ(RequestCoding::asciiToHexa(str("")), str(""));
-    EXPECT_EQ(RequestCoding::hexaToAscii(RequestCoding::asciiToHexa(str("100604|1.2.5|QS1|LOG"))),
-              str("100604|1.2.5|QS1|LOG"));
-    EXPECT_EQ(RequestCoding::hexaToAscii(str(" 4a4B.")), str("JK")) << "low characters at the ends are left out";
-    EXPECT_EQ(RequestCoding::hexaToAscii(str("G1")), str("\x01")) << "a first character that is no digit counts as 0";
-    EXPECT_EQ(RequestCoding::hexaToAscii(str("4G")), str("@")) << "a second one is ignored";
-    EXPECT_EQ(RequestCoding::hexaToAscii(str("4")), str(""));
-    EXPECT_EQ(RequestCoding::hexaToAscii(str("C3A9")), str("é"));
-    EXPECT_EQ(RequestCoding::hexaToAscii(str("41E9")), QString::fromLatin1("A\xe9")) << "no UTF-8";
+    EXPECT_EQ(RequestCoding::asciiToHexa(u"100604|1.2.5|QS1|LOG"_s), u"3130303630347c312e322e357c5153317c4c4f47"_s);
+    EXPECT_EQ(RequestCoding::asciiToHexa(u"é"_s), u"ffffffc3ffffffa9"_s) << "a byte above 0x7F, sign-extended";
+    EXPECT_EQ(RequestCoding::asciiToHexa(QString()), u"ERROR"_s);
+    EXPECT_EQ(RequestCoding::asciiToHexa(u""_s), u""_s);
+    EXPECT_EQ(RequestCoding::hexaToAscii(RequestCoding::asciiToHexa(u"100604|1.2.5|QS1|LOG"_s)),
+              u"100604|1.2.5|QS1|LOG"_s);
+    EXPECT_EQ(RequestCoding::hexaToAscii(u" 4a4B."_s), u"JK"_s) << "low characters at the ends are left out";
+    EXPECT_EQ(RequestCoding::hexaToAscii(u"G1"_s), u"\x01"_s) << "a first character that is no digit counts as 0";
+    EXPECT_EQ(RequestCoding::hexaToAscii(u"4G"_s), u"@"_s) << "a second one is ignored";
+    EXPECT_EQ(RequestCoding::hexaToAscii(u"4"_s), u""_s);
+    EXPECT_EQ(RequestCoding::hexaToAscii(u"C3A9"_s), u"é"_s);
+    EXPECT_EQ(RequestCoding::hexaToAscii(u"41E9"_s), QString::fromLatin1("A\xe9")) << "no UTF-8";
 }
 
 TEST(UpdateReply, IsAskedForAgainInPlainTextWhenItDoesNotInflate)
@@ -59,7 +55,7 @@ TEST(UpdateReply, IsAskedForAgainInPlainTextWhenItDoesNotInflate)
         std::size_t requests;
     };
     const auto page = [](const QByteArray& bytes) { return FakePageLoader::page(bytes); };
-    const LoadedPage failure = FakePageLoader::failure(str("no data for 20 seconds"));
+    const LoadedPage failure = FakePageLoader::failure(u"no data for 20 seconds"_s);
     const Case cases[] = {
         {"compressed", page(*compressedData(text)), failure, text, 1},
         {"plain", page(text), page(text), text, 2},
@@ -83,7 +79,7 @@ TEST(UpdateReply, NeedsFourFieldsUnlessTheTextsNameBothAddresses)
     const auto infos = readUpdateReply(" 1.2.6 ;101500;https://a.example/p;https://a.example/q.iso\n", none);
     ASSERT_TRUE(infos);
     EXPECT_EQ(*infos,
-              (UpdateInfos{str("1.2.6"), str("101500"), url("https://a.example/p"), url("https://a.example/q.iso")}));
+              (UpdateInfos{u"1.2.6"_s, u"101500"_s, url("https://a.example/p"), url("https://a.example/q.iso")}));
     for (const char* reply :
          {"", ";", "1.2.6;101500;https://a.example/p", "1.2.6;;https://a.example/p;https://a.example/q.iso",
           "<html>;<body>;https://a.example/p;https://a.example/q.iso", "1.2.6;101500;;", "404 not found;1;a;b",
@@ -91,12 +87,12 @@ TEST(UpdateReply, NeedsFourFieldsUnlessTheTextsNameBothAddresses)
         EXPECT_FALSE(readUpdateReply(reply, none)) << reply;
 
     const QTemporaryDir resources;
-    ASSERT_TRUE(QDir(resources.path()).mkpath(str("English.lproj")));
-    ASSERT_TRUE(test::writeFile(resources.filePath(str("English.lproj/Updater.strings")),
+    ASSERT_TRUE(QDir(resources.path()).mkpath(u"English.lproj"_s));
+    ASSERT_TRUE(test::writeFile(resources.filePath(u"English.lproj/Updater.strings"_s),
                                 "<plist version=\"1.0\"><dict><key>Updater_1.0_International product URL</key>"
                                 "<string>https://en.example/p</string><key>Updater_1.0_International dmg URL</key>"
                                 "<string>https://en.example/q.iso</string></dict></plist>"));
-    const StringTable own(resources.path(), {str("en")}, str("Updater"));
+    const StringTable own(resources.path(), {u"en"_s}, u"Updater"_s);
     const auto local = readUpdateReply("1.2.6;101500", own);
     ASSERT_TRUE(local);
     EXPECT_EQ(local->productDownloadUrl, url("https://en.example/p"));
@@ -125,20 +121,20 @@ TEST(TrustedAddress, IsHeldToByTheLoadersThemselves)
     limits.secureOnly = true;
     EXPECT_FALSE(CurlPageLoader(limits).load(server.address()).ok());
     const auto loader = makeUpdateLoader();
-    EXPECT_EQ(loader->load("http://192.0.2.1/u").error, str("the address is not HTTPS"));
+    EXPECT_EQ(loader->load("http://192.0.2.1/u").error, u"the address is not HTTPS"_s);
     EXPECT_TRUE(server.requests().empty());
     EXPECT_EQ(loader->load(server.address()).bytes, "here");
-    EXPECT_EQ(loader->load(server.address("/away")).error, str("the address may not be connected to"));
+    EXPECT_EQ(loader->load(server.address("/away")).error, u"the address may not be connected to"_s);
 }
 
 TEST(DownloadPlace, IsAPlainNameWhateverTheAddressSays)
 {
-    EXPECT_EQ(downloadFileName(url("https://a.example/x/QuarrySpotter%202.0.iso?x=/y")), str("QuarrySpotter 2.0.iso"));
-    EXPECT_EQ(mountFolderName(str("/home/u/Downloads/QuarrySpotter-2.0.iso")), str("QuarrySpotter-2.0"));
+    EXPECT_EQ(downloadFileName(url("https://a.example/x/QuarrySpotter%202.0.iso?x=/y")), u"QuarrySpotter 2.0.iso"_s);
+    EXPECT_EQ(mountFolderName(u"/home/u/Downloads/QuarrySpotter-2.0.iso"_s), u"QuarrySpotter-2.0"_s);
     for (const char* address :
          {"https://a.example", "https://a.example/x/", "https://a.example/..", "https://a.example/x%2F..%2Fy",
           "https://a.example/.bashrc", "https://a.example/a%00b", "https://a.example/a%0Ab", "https://a.example/%ff"})
-        EXPECT_EQ(downloadFileName(url(address)), str("QuarrySpotter-update.iso")) << address;
+        EXPECT_EQ(downloadFileName(url(address)), u"QuarrySpotter-update.iso"_s) << address;
 }
 
 } // namespace

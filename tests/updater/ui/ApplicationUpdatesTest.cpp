@@ -23,56 +23,35 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// The main application with version 1, and version 2 on a server.
-class ApplicationUpdatesTest : public ::testing::Test {
+/// The main application with version 1.
+class ApplicationUpdatesTest : public ::testing::Test, protected MakerRig {
 protected:
-    ApplicationUpdatesTest()
+    // Images are mounted under a name in a shared folder: the number keeps tests apart.
+    ApplicationUpdatesTest() : MakerRig("2." + QByteArray::number(QCoreApplication::applicationPid()))
     {
-        qputenv("HOME", home.path().toUtf8());
-        qunsetenv("XDG_DATA_HOME");
-        InstallRig::makeBundle(installed, "1.0");
-        const QString contents = installed + u"/Contents/"_s;
-        QFile::copy(QStringLiteral(QUARRY_BUNDLE_DIR "/bin/DiskImageTool"), contents + u"bin/DiskImageTool"_s);
-        makeHelper(installed);
-        const SigningKey key = *makeSigningKey();
-        QByteArray info = contentOf(contents + u"Info.plist"_s);
+        const QString file = installed + u"/Contents/Info.plist"_s;
+        QByteArray info = contentOf(file);
         info.replace("</dict>", "<key>QSUpdateScriptURL</key><string>" + server.address() +
                                     "</string><key>QSUpdatePublicKey</key><string>" + key.publicKey.toBase64() +
                                     "</string></dict>");
-        writeFile(contents + u"Info.plist"_s, info);
-
-        const QTemporaryDir made;
-        InstallRig::makeBundle(made.filePath(u"QuarrySpotter.app"_s), version);
-        makeHelper(made.filePath(u"QuarrySpotter.app"_s));
-        const QString file = home.path() + u"/made"_s;
-        EXPECT_EQ(writeImage(made.filePath(u"QuarrySpotter.app"_s), file), QString());
-        bytes = contentOf(file);
-        QFile::remove(file);
-        server.files[image] = bytes;
-        server.files[image + ".sig"] = *signatureOf(bytes, key.seed);
+        writeFile(file, info);
         server.files["/notes"] =
             "{\\rtf1{\\b QuarrySpotter 2.0}\\par \\bullet  Folders can be exported as a feed.\\par "
             "\\bullet  Refreshes of many queries take half the time.\\par \\bullet  The blacklist "
             "shows which rule catches an address.\\par}";
-        server.reply = version + ";101500;https://a.example/p;" + server.address(image);
         updates.emplace(ApplicationUpdates::Parts{home, installed, clock, events, notifications, workspace, files,
                                                   texts, [this] { hasQuit = true; }});
-    }
-    static void makeHelper(const QString& bundle)
-    {
-        const QString folder = bundle + u"/Contents/Agents/QuarrySpotterAgent.app/Contents/bin"_s;
-        QDir().mkpath(folder);
-        QFile::copy(u"/bin/true"_s, folder + u"/RelaunchApp"_s);
     }
     /// The image's second half waits for the gate.
     void sendInHalves()
     {
-        server.answers[image] = [this](const LoopbackServer::Send& send, LoopbackServer&) {
+        server.answers[image] = [gate = gate, bytes = server.files[image]](const LoopbackServer::Send& send,
+                                                                           LoopbackServer&) {
             send("HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(bytes.size()) + "\r\n\r\n" +
                  bytes.first(bytes.size() / 2));
-            gate.lock();
+            gate->lock();
             send(bytes.sliced(bytes.size() / 2));
-            gate.unlock();
+            gate->unlock();
         };
     }
     [[nodiscard]] QDialog* shownWindow() const
@@ -91,6 +70,18 @@ protected:
         openButton(text)->click();
         return true;
     }
+    /// Installs what the window offers; returns when the download has begun.
+    void takeOffer(const QString& look)
+    {
+        ASSERT_TRUE(happens([&] { return shownWindow() != nullptr; }));
+        auto* const notes = shownWindow()->findChild<QTextBrowser*>(u"releaseNotesView"_s);
+        ASSERT_TRUE(happens([&] { return notes->toPlainText().contains(u"feed"_s); }));
+        keepPicture(shownWindow(), u"update-offer"_s + look);
+        ASSERT_TRUE(press(u"Install"_s));
+        auto* const line = shownWindow()->findChild<QLabel*>(u"progresssTF"_s);
+        ASSERT_TRUE(happens([&] { return line->text().contains(u"MB"_s); }));
+        keepPicture(shownWindow(), u"update-progress"_s + look);
+    }
     [[nodiscard]] static bool alertWith(const QString& text)
     {
         const QWidgetList windows = QApplication::topLevelWidgets();
@@ -99,19 +90,8 @@ protected:
             return box && box->isVisible() && box->informativeText().contains(text);
         });
     }
-    [[nodiscard]] QByteArray installedVersion() const
-    {
-        return contentOf(installed + u"/Contents/bin/QuarrySpotter"_s);
-    }
 
-    TemporaryHome home;
-    QTemporaryDir place;
-    QString installed = place.filePath(u"QuarrySpotter.app"_s);
-    QByteArray version = "2." + QByteArray::number(QCoreApplication::applicationPid());
-    QByteArray image = "/QS-" + version + ".iso";
-    QByteArray bytes;
-    std::mutex gate;
-    ScriptServer server;
+    std::shared_ptr<std::mutex> gate = std::make_shared<std::mutex>(); ///< Also the server's threads'.
     SystemClock clock;
     QtEventTimers events;
     LocalNotifications notifications;
@@ -126,54 +106,40 @@ TEST_F(ApplicationUpdatesTest, TakesUpAnAcceptedOfferAndInstallsIt)
 {
     setDark(false);
     sendInHalves();
-    gate.lock();
+    gate->lock();
     updates->takeUpOffer();
     EXPECT_TRUE(server.payloads().isEmpty()) << "nobody accepted one";
     ASSERT_TRUE(writeFile(home->updaterFlagFile(), ""));
     updates->takeUpOffer();
     EXPECT_FALSE(QFile::exists(home->updaterFlagFile()));
 
-    ASSERT_TRUE(happens([&] { return shownWindow() != nullptr; }));
-    auto* const notes = shownWindow()->findChild<QTextBrowser*>(u"releaseNotesView"_s);
-    ASSERT_TRUE(happens([&] { return notes->toPlainText().contains(u"feed"_s); }));
-    keepPicture(shownWindow(), u"update-offer"_s);
-    ASSERT_TRUE(press(u"Install"_s));
-    auto* const line = shownWindow()->findChild<QLabel*>(u"progresssTF"_s);
-    ASSERT_TRUE(happens([&] { return line->text().contains(u"MB"_s); }));
-    keepPicture(shownWindow(), u"update-progress"_s);
+    ASSERT_NO_FATAL_FAILURE(takeOffer(QString()));
     updates->checkForUpdates();
     EXPECT_EQ(server.payloads().size(), 1) << "the window comes to the front instead";
-    gate.unlock();
+    gate->unlock();
     ASSERT_TRUE(press(u"Restart"_s));
     ASSERT_TRUE(happens([&] { return hasQuit; }));
-    EXPECT_EQ(installedVersion(), "#!/bin/sh\necho " + version + '\n');
+    EXPECT_EQ(installedVersion(), "#!/bin/sh\necho " + newVersion + '\n');
     EXPECT_EQ(workspace.opened,
               (QStringList{u"%1/Contents/Agents/QuarrySpotterAgent.app/Contents/bin/RelaunchApp %1 %2"_s.arg(
                                installed, QString::number(QCoreApplication::applicationPid())),
                            installed + u"/Contents/Agents/QuarrySpotterAgent.app"_s}));
     EXPECT_EQ(notifications.names, QStringList{u"QUIT_EVERYBODY_NOTIFICATION QS1"_s});
-    EXPECT_EQ(InstallRig::namesIn(home.path() + u"/Downloads"_s), QStringList());
+    EXPECT_EQ(namesIn(home.path() + u"/Downloads"_s), QStringList());
 }
 
 TEST_F(ApplicationUpdatesTest, LeavesEverythingAsItWasWhenCancelledAtHalf)
 {
     setDark(true);
     sendInHalves();
-    gate.lock();
+    gate->lock();
     // As the agent does while the main application is open.
     notifications.post(u"NEW_VERSION_AVAILABLE_NOTIFICATION QS1"_s, {});
-    ASSERT_TRUE(happens([&] { return shownWindow() != nullptr; }));
-    auto* const notes = shownWindow()->findChild<QTextBrowser*>(u"releaseNotesView"_s);
-    ASSERT_TRUE(happens([&] { return notes->toPlainText().contains(u"feed"_s); }));
-    keepPicture(shownWindow(), u"update-offer-dark"_s);
-    ASSERT_TRUE(press(u"Install"_s));
-    auto* const line = shownWindow()->findChild<QLabel*>(u"progresssTF"_s);
-    ASSERT_TRUE(happens([&] { return line->text().contains(u"MB"_s); }));
-    keepPicture(shownWindow(), u"update-progress-dark"_s);
+    ASSERT_NO_FATAL_FAILURE(takeOffer(u"-dark"_s));
     ASSERT_TRUE(press(u"Cancel"_s));
     EXPECT_EQ(shownWindow(), nullptr);
-    gate.unlock();
-    EXPECT_EQ(InstallRig::namesIn(home.path() + u"/Downloads"_s), QStringList());
+    gate->unlock();
+    EXPECT_EQ(namesIn(home.path() + u"/Downloads"_s), QStringList());
     EXPECT_EQ(installedVersion(), "#!/bin/sh\necho 1.0\n");
     EXPECT_TRUE(workspace.opened.isEmpty());
 
