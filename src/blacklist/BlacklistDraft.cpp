@@ -26,10 +26,7 @@ void addUnlessThere(const BlacklistRule& rule, BlacklistManager& list)
 
 } // namespace
 
-BlacklistDraft::BlacklistDraft(HomeFolder home, FileStore& files)
-    : _home(std::move(home)), _files(files), _store(_home, files)
-{
-}
+BlacklistDraft::BlacklistDraft(HomeFolder home, FileStore& files) : _home(std::move(home)), _files(&files) {}
 
 void BlacklistDraft::remember()
 {
@@ -42,14 +39,20 @@ void BlacklistDraft::remember()
 void BlacklistDraft::reload()
 {
     // Taken before the reading: a file replaced in between is then taken for a new one, never for the one read.
-    _stamp = _files.stamp(_home.blacklistFile());
-    _list = BlacklistManager::initWithDatabase(_files, _home.blacklistFile(), &_fault);
+    _stamp = _files->stamp(_home.blacklistFile());
+    _list = BlacklistManager::initWithDatabase(*_files, _home.blacklistFile(), &_fault);
     remember();
+}
+
+bool BlacklistDraft::isCurrent() const
+{
+    // What keeps a file from being read does not always show in its state.
+    return _isLoaded && _fault.isEmpty() && _files->stamp(_home.blacklistFile()) == _stamp;
 }
 
 bool BlacklistDraft::follow()
 {
-    if (_isLoaded && _files.stamp(_home.blacklistFile()) == _stamp)
+    if (isCurrent())
         return false;
     const Edits edits = editsSince();
     reload();
@@ -114,13 +117,13 @@ qsizetype BlacklistDraft::placeOf(const BlacklistRule& rule) const
 QString BlacklistDraft::write()
 {
     const auto apply = [this](BlacklistManager& now) {
-        if (_files.stamp(_home.blacklistFile()) == _stamp)
+        if (_files->stamp(_home.blacklistFile()) == _stamp)
             now = _list;
         else
             make(editsSince(), now);
         return true;
     };
-    QString error = _store.change(apply, Patience);
+    QString error = BlacklistStore(_home, *_files).change(apply, Patience);
     if (error.isEmpty())
         reload();
     return error;

@@ -12,7 +12,10 @@ namespace quarry {
 
 /// A private copy of the shared list, edited at leisure. Nothing reaches the file before write(), and no rule that
 /// another program wrote meanwhile is lost by it: when the file is no longer the one that was read, the edits made
-/// here are made again on the list that is there now. Used by one thread.
+/// here are made again on the list that is there now.
+///
+/// Used by one thread at a time. A copy shares the rules until it reads the file: it may follow() and write() on
+/// another thread as long as nobody changes a rule of this one meanwhile.
 class BlacklistDraft final {
 public:
     /// `files` must outlive the object. Nothing is read yet.
@@ -22,10 +25,12 @@ public:
     [[nodiscard]] bool isLoaded() const { return _isLoaded; }
     /// Reads the file; edits are gone. One that cannot be read or understood gives an empty list.
     void reload();
+    /// Whether the file is the one that was read, as one look at its state tells.
+    [[nodiscard]] bool isCurrent() const;
     /// Why the file could not be read the last time, in one line for a person; empty when it could.
     [[nodiscard]] const QString& fault() const { return _fault; }
-    /// When the file changed since it was read: reads it and makes the edits again on it. Every rule may be another
-    /// object then. False when there was nothing to do.
+    /// When the file changed since it was read, or could not be: reads it and makes the edits again on it. Every rule
+    /// may be another object then. False when there was nothing to do.
     bool follow();
 
     [[nodiscard]] BlacklistManager& list() { return _list; }
@@ -57,8 +62,7 @@ private:
     void remember();
 
     HomeFolder _home;
-    FileStore& _files;
-    BlacklistStore _store;
+    FileStore* _files;
     BlacklistManager _list;
     QList<Loaded> _loaded;
     std::optional<FileStamp> _stamp; ///< Of the file when it was read, or before; none for a missing one.

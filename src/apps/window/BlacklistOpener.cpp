@@ -8,8 +8,10 @@
 
 namespace quarry {
 
-BlacklistOpener::BlacklistOpener(MainWindow& window, const HomeFolder& home, FileStore& files, Workspace& workspace)
-    : _window(window), _home(home), _files(files), _workspace(workspace), _texts(StringTable::ofProgram())
+BlacklistOpener::BlacklistOpener(MainWindow& window, const HomeFolder& home, FileStore& files, Workspace& workspace,
+                                 EventTimers& timers)
+    : _window(window), _home(home), _files(files), _workspace(workspace), _timers(timers),
+      _texts(StringTable::ofProgram())
 {
     connect(_window.actions().blacklistEditor, &QAction::triggered, this, [this] { editor().showWindow(); });
     connect(_window.actions().blacklistAddress, &QAction::triggered, this, [this] { openForSelected(); });
@@ -21,8 +23,8 @@ BlacklistOpener::~BlacklistOpener() = default;
 BlacklistEditorWinController& BlacklistOpener::editor()
 {
     if (!_editor)
-        _editor =
-            std::make_unique<BlacklistEditorWinController>(BlacklistEditorParts{_home, _files, _workspace, _texts});
+        _editor = std::make_unique<BlacklistEditorWinController>(
+            BlacklistEditorParts{_home, _files, _workspace, _texts, _timers});
     return *_editor;
 }
 
@@ -35,7 +37,7 @@ void BlacklistOpener::openForSelected()
 
 bool BlacklistOpener::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::Close && _editor && !_editor->mayClose()) {
+    if (event->type() == QEvent::Close && _editor && !_editor->mayClose([this] { _window.close(); })) {
         event->ignore();
         return true;
     }

@@ -12,11 +12,13 @@ namespace quarry {
 class MainWindow;
 
 /// Opens the blacklist editor from the main window: empty-handed, or for the selected result's address. The editor is
-/// made when it is wanted first. The main window does not close over its unsaved edits without asking.
+/// made when it is wanted first. The main window does not close over its unsaved edits without asking, nor before they
+/// are saved.
 class BlacklistOpener final : public QObject {
 public:
     /// All must outlive the object.
-    BlacklistOpener(MainWindow& window, const HomeFolder& home, FileStore& files, Workspace& workspace);
+    BlacklistOpener(MainWindow& window, const HomeFolder& home, FileStore& files, Workspace& workspace,
+                    EventTimers& timers);
     ~BlacklistOpener() override;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -29,6 +31,7 @@ private:
     HomeFolder _home;
     FileStore& _files;
     Workspace& _workspace;
+    EventTimers& _timers;
     StringTable _texts;
     std::unique_ptr<BlacklistEditorWinController> _editor;
 };

@@ -73,7 +73,7 @@ void WindowProgram::openWindow(const QStringList& files)
                     _texts,
                     _bundle.updaterProgram(),
                     [this](bool automatic, qint64 minutes) { letAgentFollow(automatic, minutes); }});
-    _blacklist = std::make_unique<BlacklistOpener>(*_window, _home, _files, _workspace);
+    _blacklist = std::make_unique<BlacklistOpener>(*_window, _home, _files, _workspace, _timers);
     connect(_window.get(), &MainWindow::closed, this, [this] {
         sayGoodbye();
         QCoreApplication::exit(0);

@@ -28,6 +28,7 @@ void BlacklistEditorWinController::awakeFromNib()
     _ui->noticeTF->hide();
     setUpTable();
     connectParts();
+    connectWork();
     connectKeys();
     tableViewSelectionDidChange();
     center();

@@ -72,7 +72,7 @@ void BlacklistEditorWinController::tableViewSelectionDidChange()
         return;
     const int row = selectedRow();
     if (row < 0) {
-        _ui->addToBlacklistButton->setEnabled(false);
+        setCanAdd(false);
         selectItemWithTag(BlacklistType::Text);
     }
     if (const BlacklistFilterPtr filter = tableViewObjectValue(row)) {
@@ -93,7 +93,7 @@ void BlacklistEditorWinController::showFilter(const BlacklistFilter& filter)
     const QString rule = filter.rule().value_or(QString());
     _ui->regexpRuleTF->setText(isExpression ? rule : QString());
     _ui->simpleRuleTF->setText(isExpression ? QString() : rule);
-    _ui->addToBlacklistButton->setEnabled(false);
+    setCanAdd(false);
     selectItemWithTag(filter.type());
     _ui->caseSensitiveButton->setChecked(filter.isCaseSensitive());
 }

@@ -7,7 +7,6 @@
 
 #include <QApplication>
 #include <QMessageBox>
-#include <QScopedValueRollback>
 #include <QScreen>
 
 namespace quarry {
@@ -24,7 +23,7 @@ public:
 
 BlacklistEditorWinController::BlacklistEditorWinController(BlacklistEditorParts parts, QWidget* parent)
     : QDialog(parent), _parts(std::move(parts)), _blManagerTMP(_parts.home, _parts.files), _rules(*this),
-      _ui(std::make_unique<Ui::BlacklistEditor>())
+      _ui(std::make_unique<Ui::BlacklistEditor>()), _worker(_parts.timers)
 {
     awakeFromNib();
 }
@@ -47,31 +46,35 @@ void BlacklistEditorWinController::showWindow()
 
 void BlacklistEditorWinController::loadWithAddress(const Url& address)
 {
-    if (hasUnsavedEdits())
-        _blManagerTMP.follow();
-    else
-        _blManagerTMP.reload();
+    center();
+    bringToFront();
+    if (_work == Work::Saving)
+        return whenIdle([this, address] { loadWithAddress(address); });
+    followFile();
     sayReadFault();
     reloadTable();
     _ui->tabView->setCurrentWidget(_ui->simpletab);
     _ui->simpleRuleTF->setText(address.host().toString());
     _ui->testAddressTF->setText(address.absoluteString());
-    _ui->addToBlacklistButton->setEnabled(!_ui->simpleRuleTF->text().isEmpty());
+    setCanAdd(!_ui->simpleRuleTF->text().isEmpty());
     _ui->simpleRuleTF->setFocus();
-    center();
-    bringToFront();
 }
 
 void BlacklistEditorWinController::addAndLoadWithAddress(const Url& address)
 {
-    followFile();
-    const auto filter =
-        BlacklistFilter::initWithRule(address.absoluteString(), BlacklistType::Text, true, /*caseSensitive=*/false);
-    _blManagerTMP.list().addToBlacklist(filter);
-    _ui->saveBlacklistButton->setEnabled(!writeBlacklist());
-    reloadTable();
-    selectRow(static_cast<int>(_blManagerTMP.placeOf(filter->fields())));
-    _ui->testAddressTF->setText(address.absoluteString());
+    if (_work == Work::Saving)
+        return whenIdle([this, address] { addAndLoadWithAddress(address); });
+    const BlacklistRule rule{address.absoluteString(), BlacklistType::Text, true, /*caseSensitive=*/false};
+    const auto add = [rule](BlacklistDraft& list) {
+        list.follow();
+        list.list().addToBlacklist(BlacklistFilter::initWithRule(rule.rule, rule.type, rule.state, rule.caseSensitive));
+        return list.write();
+    };
+    writeBlacklist(add, [this, rule](bool) {
+        reloadTable();
+        selectRow(static_cast<int>(_blManagerTMP.placeOf(rule)));
+        _ui->testAddressTF->setText(*rule.rule);
+    });
     center();
     bringToFront();
 }
@@ -93,22 +96,25 @@ void BlacklistEditorWinController::bringToFront()
     activateWindow();
 }
 
-bool BlacklistEditorWinController::writeBlacklist()
-{
-    const QString error = _blManagerTMP.write();
-    sayWhatIsWrong(error.isEmpty() ? QString() : filledFormat(text(u"110_List not saved"), {error}));
-    return error.isEmpty();
-}
-
 void BlacklistEditorWinController::saveBlacklist()
 {
-    if (writeBlacklist())
-        closeWith(Accepted);
+    const auto closeWhenSaved = [this](bool isSaved) {
+        if (isSaved)
+            closeWith(Accepted);
+    };
+    if (_work == Work::None)
+        writeBlacklist([](BlacklistDraft& list) { return list.write(); }, closeWhenSaved);
 }
 
+/// The next opening reads what was saved.
 void BlacklistEditorWinController::cancelWin()
 {
-    _blManagerTMP.reload();
+    if (_work == Work::Saving)
+        return;
+    setWork(Work::None);
+    _waiting.clear();
+    if (_canSave)
+        _blManagerTMP = BlacklistDraft(_parts.home, _parts.files);
     sayReadFault();
     closeWith(Rejected);
 }
@@ -116,13 +122,21 @@ void BlacklistEditorWinController::cancelWin()
 void BlacklistEditorWinController::closeWith(DialogCode code)
 {
     done(code);
-    _ui->saveBlacklistButton->setEnabled(false);
+    setCanSave(false);
     reloadTable();
     _ui->testAddressTF->clear();
 }
 
-bool BlacklistEditorWinController::mayClose()
+bool BlacklistEditorWinController::mayClose(std::function<void()> saved)
 {
+    const auto endWhenSaved = [this, saved = std::move(saved)] {
+        if (!hasUnsavedEdits())
+            saved();
+    };
+    if (_work == Work::Saving) {
+        whenIdle(endWhenSaved);
+        return false;
+    }
     if (!hasUnsavedEdits())
         return true;
     bringToFront();
@@ -131,11 +145,13 @@ bool BlacklistEditorWinController::mayClose()
     const auto* const discard = box.addButton(text(u"110_Discard button"), QMessageBox::DestructiveRole);
     box.setEscapeButton(box.addButton(text(u"110_Cancel button"), QMessageBox::RejectRole));
     box.exec();
-    if (box.clickedButton() == save)
-        saveBlacklist();
-    else if (box.clickedButton() == discard)
+    if (box.clickedButton() == save) {
+        whenIdle([this] { saveBlacklist(); });
+        whenIdle(endWhenSaved);
+    } else if (box.clickedButton() == discard) {
         cancelWin();
-    return !hasUnsavedEdits();
+    }
+    return box.clickedButton() == discard;
 }
 
 void BlacklistEditorWinController::changeEvent(QEvent* event)
@@ -158,26 +174,12 @@ void BlacklistEditorWinController::windowDidBecomeKey()
     followFile();
 }
 
-void BlacklistEditorWinController::followFile()
-{
-    const BlacklistFilterPtr selected = tableViewObjectValue(selectedRow());
-    if (!_blManagerTMP.follow())
-        return;
-    // Nothing of what is being typed is lost: the table is shown anew around it.
-    const QScopedValueRollback keep(_keepsTyped, true);
-    _rules.reload();
-    const qsizetype row = selected ? _blManagerTMP.placeOf(selected->fields()) : -1;
-    if (row >= 0)
-        selectRow(static_cast<int>(row));
-    else
-        showAddMode();
-    sayReadFault();
-}
-
 // --- The list -------------------------------------------------------------------------------------------------------
 
 void BlacklistEditorWinController::addToBlacklist()
 {
+    if (_work != Work::None)
+        return;
     const BlacklistFilterPtr edited = _editMode ? tableViewObjectValue(selectedRow()) : nullptr;
     if (const BlacklistFilterPtr typed = typedRule()) {
         // The same object says something else, so that what a newer program stored with the rule stays with it.
@@ -190,7 +192,7 @@ void BlacklistEditorWinController::addToBlacklist()
         _blManagerTMP.list().addToBlacklist(filter);
         _editMode = false;
     }
-    _ui->saveBlacklistButton->setEnabled(true);
+    setCanSave(true);
     reloadTable();
     ruleField().setFocus();
 }
@@ -199,7 +201,7 @@ void BlacklistEditorWinController::addToBlacklist()
 BlacklistFilterPtr BlacklistEditorWinController::typedRule()
 {
     const QString rule = ruleField().text();
-    sayWhatIsWrong(rule.isEmpty() ? text(u"110_Rule without text") : QString());
+    say(rule.isEmpty() ? text(u"110_Rule without text") : QString());
     if (rule.isEmpty())
         return nullptr;
     const qint64 type =
@@ -209,10 +211,12 @@ BlacklistFilterPtr BlacklistEditorWinController::typedRule()
 
 void BlacklistEditorWinController::removeFromBlacklist()
 {
+    if (_work != Work::None)
+        return;
     const int row = selectedRow();
     if (const BlacklistFilterPtr filter = tableViewObjectValue(row)) {
         _blManagerTMP.list().removeFromBlacklist(filter);
-        _ui->saveBlacklistButton->setEnabled(true);
+        setCanSave(true);
     }
     reloadTable();
     if (row > 0)
@@ -223,11 +227,11 @@ void BlacklistEditorWinController::filterActivation()
 {
     const int row = selectedRow();
     const BlacklistFilterPtr filter = tableViewObjectValue(row);
-    if (!filter)
+    if (!filter || _work != Work::None)
         return;
     _blManagerTMP.list().setState(!filter->state(), filter);
     _rules.redraw(row);
-    _ui->saveBlacklistButton->setEnabled(true);
+    setCanSave(true);
 }
 
 // --- The rule being typed -------------------------------------------------------------------------------------------
@@ -246,25 +250,25 @@ void BlacklistEditorWinController::controlTextDidChange(QLineEdit* field)
 {
     QLineEdit* const other = field == _ui->simpleRuleTF ? _ui->regexpRuleTF : _ui->simpleRuleTF;
     other->clear();
-    _ui->addToBlacklistButton->setEnabled(!field->text().isEmpty());
+    setCanAdd(!field->text().isEmpty());
 }
 
 void BlacklistEditorWinController::tabViewWillSelectTabViewItem()
 {
     QLineEdit* const left = isSimpleTab() ? _ui->regexpRuleTF : _ui->simpleRuleTF;
     left->clear();
-    _ui->addToBlacklistButton->setEnabled(false);
+    setCanAdd(false);
     showAnswer(Answer::None);
 }
 
 void BlacklistEditorWinController::caseSensitiveCBChanged()
 {
-    _ui->addToBlacklistButton->setEnabled(true);
+    setCanAdd(true);
 }
 
 void BlacklistEditorWinController::simpleMenuChanged()
 {
-    _ui->addToBlacklistButton->setEnabled(true);
+    setCanAdd(true);
 }
 
 // --- The test -------------------------------------------------------------------------------------------------------
@@ -328,7 +332,7 @@ void BlacklistEditorWinController::showRegexpHelp()
 
 // --- Texts ----------------------------------------------------------------------------------------------------------
 
-void BlacklistEditorWinController::sayWhatIsWrong(const QString& words)
+void BlacklistEditorWinController::say(const QString& words)
 {
     _ui->noticeTF->setText(words);
     _ui->noticeTF->setVisible(!words.isEmpty());
@@ -337,7 +341,7 @@ void BlacklistEditorWinController::sayWhatIsWrong(const QString& words)
 void BlacklistEditorWinController::sayReadFault()
 {
     const QString& fault = _blManagerTMP.fault();
-    sayWhatIsWrong(fault.isEmpty() ? QString() : filledFormat(text(u"110_List not read"), {fault}));
+    say(fault.isEmpty() ? QString() : filledFormat(text(u"110_List not read"), {fault}));
 }
 
 QString BlacklistEditorWinController::text(const char16_t* key) const

@@ -3,12 +3,17 @@
 #include "archive/StringTable.h"
 #include "blacklist/BlacklistDraft.h"
 #include "blacklist/ui/RuleTableModel.h"
+#include "platform/LoopWorker.h"
 #include "platform/Workspace.h"
 #include "text/Url.h"
 
 #include <QDialog>
+#include <QTimer>
 
+#include <cstdint>
+#include <functional>
 #include <memory>
+#include <vector>
 
 class QLineEdit;
 
@@ -24,11 +29,15 @@ struct BlacklistEditorParts {
     FileStore& files;
     Workspace& workspace;
     const StringTable& texts;
+    EventTimers& timers;
 };
 
 /// The window in which a person edits the shared blacklist. It edits a private copy: nothing reaches the file before
 /// it is saved. A list that another program wrote meanwhile is not written over: the edits are made on that one, when
 /// the window comes to the front again and when it is saved.
+///
+/// The file is read and written on another thread. Meanwhile the window says so, a rule can be typed and tried, and
+/// edits of the list are refused; while it is saved, the window stays open.
 ///
 /// One window lives for as long as the program; it is hidden and shown again. Its layout is BlacklistEditor.ui, which
 /// holds the keys of its texts.
@@ -47,9 +56,10 @@ public:
     void loadWithAddress(const Url& address);
     /// Adds a rule for just that address, saves the list and shows it.
     void addAndLoadWithAddress(const Url& address);
-    [[nodiscard]] bool hasUnsavedEdits() const { return _blManagerTMP.hasEdits(); }
-    /// For the end of the program: asks what shall become of unsaved edits. False: it is not to end.
-    [[nodiscard]] bool mayClose();
+    [[nodiscard]] bool hasUnsavedEdits() const { return _canSave && _blManagerTMP.hasEdits(); }
+    /// For the end of the program: asks what shall become of unsaved edits. False: it is not to end; when the edits are
+    /// being saved, `saved` happens once they are.
+    [[nodiscard]] bool mayClose(std::function<void()> saved);
 
     // --- What the window's parts do -------------------------------------------------------------------------------
 
@@ -59,9 +69,9 @@ public:
     void filterActivation();
     void testNewExclusion();
     void showRegexpHelp();
-    /// Saves and closes. When saving fails, the window stays open and says why.
+    /// Saves, then closes. When saving fails, the window stays open and says why.
     void saveBlacklist();
-    /// Discards the edits and closes.
+    /// Discards the edits and closes; not while they are saved.
     void cancelWin();
 
     /// The editor's preview of one simple rule: whether it would catch the address.
@@ -77,11 +87,15 @@ protected:
 
 private:
     enum class Answer { None, Excluded, NotExcluded, Fault };
+    enum class Work { None, Reading, Saving };
+    /// What is done to a copy of the list; one line for a person when it failed.
+    using Job = std::function<QString(BlacklistDraft& copy)>;
 
     void awakeFromNib();
     void setUpTable();
     void connectParts();
     void connectKeys();
+    void connectWork();
 
     // RuleTableSource
     [[nodiscard]] int numberOfRowsInTableView() const override;
@@ -96,8 +110,17 @@ private:
     void tableViewSelectionDidChange();
     void caseSensitiveCBChanged();
     void simpleMenuChanged();
-    /// False when the file could not be written; the window says why.
-    bool writeBlacklist();
+    /// Has the job save the list, which the window says when it fails; then `done` happens.
+    void writeBlacklist(Job job, std::function<void(bool isSaved)> done);
+
+    /// Does the job on another thread. Then the copy is the list, and `done` gets what the job answered.
+    void start(Work work, Job job, std::function<void(const QString& fault)> done);
+    void finish(BlacklistDraft list);
+    /// At once, or when the list is neither read nor saved any more.
+    void whenIdle(std::function<void()> call);
+    void setWork(Work work);
+    void setCanAdd(bool can);
+    void setCanSave(bool can);
 
     [[nodiscard]] bool isSimpleTab() const;
     [[nodiscard]] QLineEdit& ruleField() const;
@@ -112,7 +135,7 @@ private:
     [[nodiscard]] BlacklistFilterPtr typedRule();
     void closeWith(DialogCode code);
     void followFile();
-    void sayWhatIsWrong(const QString& words);
+    void say(const QString& words);
     void sayReadFault();
     void showAnswer(Answer answer, const QString& words = {});
     void colorAnswer();
@@ -128,6 +151,13 @@ private:
     std::unique_ptr<Ui::BlacklistEditor> _ui;
     Answer _answer = Answer::None;
     bool _keepsTyped = false; ///< While a row is selected that is selected already in the person's eyes.
+    Work _work = Work::None;
+    std::uint64_t _workNumber = 0; ///< What an older work brings is of no use any more.
+    bool _canAdd = false;          ///< Once nothing is read or saved.
+    bool _canSave = false;         ///< The same.
+    std::vector<std::function<void()>> _waiting;
+    QTimer _saysWork; ///< Work that is over at once is not worth a word.
+    LoopWorker _worker;
 };
 
 } // namespace quarry

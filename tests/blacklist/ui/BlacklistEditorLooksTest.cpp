@@ -83,7 +83,7 @@ TEST_F(BlacklistEditorLooks, KeysAreUniqueInEveryLanguageAndTextsFit)
 {
     for (const char* const language : {"en", "fr", "de"}) {
         const StringTable translated = textsIn(QLatin1String(language));
-        BlacklistEditorWinController window({home, files, workspace, translated});
+        BlacklistEditorWinController window({home, files, workspace, translated, timers});
         QApplication::setLayoutDirection(language == std::string("de") ? Qt::RightToLeft : Qt::LeftToRight);
         window.loadWithAddress(*Url::fromText(QStringLiteral("http://ads.example/")));
         QStringList labels;

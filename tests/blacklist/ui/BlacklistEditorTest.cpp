@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QMessageBox>
+#include <QSemaphore>
 #include <QTimer>
 
 using namespace quarry;
@@ -196,6 +197,7 @@ TEST_F(BlacklistEditor, OpensReadyForAnAddress)
     EXPECT_EQ(saved(), QList{textRule("a")});
 
     editor.addAndLoadWithAddress(*Url::fromText(QStringLiteral("http://b.example/")));
+    ASSERT_TRUE(happens([&] { return isIdle(); }));
     EXPECT_EQ(saved(), (QList{textRule("a"), textRule("http://b.example/")})) << "at once";
     EXPECT_TRUE(editor.isVisible());
     EXPECT_EQ(selectedRow(), 1);
@@ -247,6 +249,45 @@ TEST_F(BlacklistEditor, SaysWhatFails)
     setSystemLogSink({});
 }
 
+TEST_F(BlacklistEditor, StaysAliveWhileTheListIsReadAndSaved)
+{
+    saveElsewhere({textRule("a")});
+    const auto disk = std::make_shared<QSemaphore>();
+    const QSemaphoreReleaser atEnd(*disk, 9);
+    files.afterRead = [disk](const QString&) { disk->acquire(); };
+    editor.loadWithAddress(*Url::fromText(QStringLiteral("http://ads.example/")));
+    ASSERT_TRUE(happens([&] { return notice() == QStringLiteral("Reading the list…"); }));
+    EXPECT_EQ(rows(), QStringList());
+    QTest::keyClicks(&part<QLineEdit>("simpleRuleTF"), QStringLiteral("/x"));
+    EXPECT_FALSE(isEnabled("addToBlacklistButton"));
+    editor.addToBlacklist();
+    QTest::keyClick(&editor, Qt::Key_Escape);
+    EXPECT_FALSE(editor.isVisible()) << "nothing to wait for";
+    editor.loadWithAddress(*Url::fromText(QStringLiteral("http://ads.example/")));
+    disk->release(2);
+    ASSERT_TRUE(happens([&] { return isIdle(); }));
+    EXPECT_EQ(rows(), QStringList(QStringLiteral("x Text a")));
+    EXPECT_EQ(notice(), QString());
+    EXPECT_EQ(textOf("simpleRuleTF"), QStringLiteral("ads.example"));
+    click("addToBlacklistButton");
+
+    QTest::mouseClick(&part<QPushButton>("saveBlacklistButton"), Qt::LeftButton);
+    ASSERT_TRUE(happens([&] { return notice() == QStringLiteral("Saving the list…"); }));
+    QTest::keyClick(&table(), Qt::Key_Down);
+    QTest::keyClick(&table(), Qt::Key_Delete);
+    QTest::keyClick(&editor, Qt::Key_Escape);
+    EXPECT_TRUE(editor.isVisible()) << "until it is saved";
+    EXPECT_FALSE(isEnabled("cancelButton") || isEnabled("saveBlacklistButton") ||
+                 isEnabled("removeFromBlacklistButton"));
+    bool isSaved = false;
+    EXPECT_FALSE(editor.mayClose([&] { isSaved = true; }));
+    disk->release(2);
+    ASSERT_TRUE(happens([&] { return isSaved; }));
+    EXPECT_FALSE(editor.isVisible());
+    disk->release();
+    EXPECT_EQ(saved(), (QList{textRule("a"), textRule("ads.example")}));
+}
+
 TEST_F(BlacklistEditor, AsksBeforeTheProgramEnds)
 {
     struct Case {
@@ -255,9 +296,11 @@ TEST_F(BlacklistEditor, AsksBeforeTheProgramEnds)
         int rulesSaved;
     };
     open();
-    EXPECT_TRUE(editor.mayClose()) << "nothing to ask";
+    bool isSaved = false;
+    const auto whenSaved = [&] { isSaved = true; };
+    EXPECT_TRUE(editor.mayClose(whenSaved)) << "nothing to ask";
     for (const auto& [button, mayClose, rulesSaved] :
-         {Case{"Cancel", false, 0}, Case{"Discard", true, 0}, Case{"Save", true, 1}}) {
+         {Case{"Cancel", false, 0}, Case{"Discard", true, 0}, Case{"Save", false, 1}}) {
         if (!editor.hasUnsavedEdits()) {
             open();
             type("simpleRuleTF", "a");
@@ -269,7 +312,9 @@ TEST_F(BlacklistEditor, AsksBeforeTheProgramEnds)
                     pressed->click();
             }
         });
-        EXPECT_EQ(editor.mayClose(), mayClose) << button;
+        EXPECT_EQ(editor.mayClose(whenSaved), mayClose) << button;
+        ASSERT_TRUE(happens([&] { return isIdle(); }));
+        EXPECT_EQ(isSaved, rulesSaved == 1) << button;
         EXPECT_EQ(saved().size(), rulesSaved) << button;
     }
 }

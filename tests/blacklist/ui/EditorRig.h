@@ -1,6 +1,7 @@
 #pragma once
 
 #include "blacklist/ui/BlacklistEditorWinController.h"
+#include "platform/QtEventTimers.h"
 #include "support/FailingFileStore.h"
 #include "support/QtPrinting.h"
 #include "support/Screen.h"
@@ -50,8 +51,10 @@ protected:
     void open()
     {
         editor.showWindow();
-        ASSERT_TRUE(happens([&] { return editor.isActiveWindow(); }));
+        ASSERT_TRUE(happens([&] { return editor.isActiveWindow() && isIdle(); }));
     }
+    /// The list is neither read nor saved.
+    bool isIdle() { return editor.cursor().shape() != Qt::BusyCursor; }
     template <typename Part>
     Part& part(const char* name)
     {
@@ -64,6 +67,7 @@ protected:
         auto& pressed = part<QAbstractButton>(button);
         ASSERT_TRUE(pressed.isVisible() && pressed.isEnabled()) << button;
         QTest::mouseClick(&pressed, Qt::LeftButton, {}, QPoint(12, pressed.height() / 2));
+        ASSERT_TRUE(happens([&] { return isIdle(); })) << button;
     }
     void type(const char* field, const char* text)
     {
@@ -126,7 +130,8 @@ protected:
     FailingFileStore files;
     NotingWorkspace workspace;
     StringTable texts = textsIn(QStringLiteral("en"));
-    BlacklistEditorWinController editor{{home, files, workspace, texts}};
+    QtEventTimers timers;
+    BlacklistEditorWinController editor{{home, files, workspace, texts, timers}};
 };
 
 } // namespace quarry::test
