@@ -1,6 +1,7 @@
 #include "session/QuerySettings.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace quarry {
 
@@ -18,6 +19,14 @@ QuerySettings QuerySettings::of(const QueryCore& query)
     const QueryFields fields = query.snapshot().fields;
     return {fields._isSuscribedToBlacklist, fields._computeCheckSumOfLinks, fields._highlightState,
             fields._highlightString.value_or(QString()), fields._urlFilters.value_or(QList<FilterObject>())};
+}
+
+bool QuerySettings::operator==(const QuerySettings& other) const
+{
+    const auto plain = [](const QuerySettings& each) {
+        return std::tie(each.checksBlacklist, each.keepsDigests, each.highlights, each.highlightWords);
+    };
+    return plain(*this) == plain(other) && areSameFilters(filters, other.filters);
 }
 
 void QuerySettings::applyTo(QueryCore& query) const

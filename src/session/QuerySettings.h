@@ -18,6 +18,7 @@ struct QuerySettings {
     QList<FilterObject> filters;
 
     [[nodiscard]] static QuerySettings of(const QueryCore& query);
+    [[nodiscard]] bool operator==(const QuerySettings& other) const;
     /// Rules that say the same stay as they are, so this may be applied again, and to another copy of the query.
     void applyTo(QueryCore& query) const;
 };

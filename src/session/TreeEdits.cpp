@@ -211,6 +211,24 @@ Reversible together(const QList<Reversible>& changes)
     return {together(forth), together(back)};
 }
 
+QList<QueryCorePtr> topmost(const QueryCorePtr& root, const QStringList& uuids)
+{
+    QList<QueryCorePtr> nodes;
+    for (const QString& uuid : uuids) {
+        if (const QueryCorePtr node = root->findQueryForUUID(uuid); node && node != root)
+            nodes.append(node);
+    }
+    QList<QueryCorePtr> top;
+    for (const QueryCorePtr& node : nodes) {
+        const bool isBelow = std::any_of(nodes.begin(), nodes.end(), [&node](const QueryCorePtr& other) {
+            return other != node && other->contains(node);
+        });
+        if (!isBelow)
+            top.append(node);
+    }
+    return top;
+}
+
 Place placeOf(const QueryCorePtr& root, const QueryCorePtr& node)
 {
     const QueryCorePtr folder = folderOf(root, node);

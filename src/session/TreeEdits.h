@@ -50,6 +50,9 @@ struct Reversible {
 [[nodiscard]] TreeEdit together(const QList<TreeEdit>& changes);
 [[nodiscard]] Reversible together(const QList<Reversible>& changes);
 
+/// The nodes of these UUIDs that are there, without the top folder and those that stand below another one of them.
+[[nodiscard]] QList<QueryCorePtr> topmost(const QueryCorePtr& root, const QStringList& uuids);
+
 /// Where a node stands: what insert() and move() need to bring it back there.
 struct Place {
     QString folderUuid; ///< Empty for the top folder.

@@ -33,8 +33,8 @@ namespace quarry {
 
 MainWindow::MainWindow(WindowParts parts)
     : _parts(std::move(parts)), _actions(_parts.texts, this), _tree(_parts.tree, *this), _edits(_tree),
-      _resultEdits(_tree, _edits, _parts.texts), _nodeEdits(_tree, _edits, _parts.texts),
-      _import(_tree, _edits, _parts.tree.files, _parts.texts), _treeModel(_tree),
+      _resultEdits(_edits, _parts.texts), _nodeEdits(_tree, _edits, _parts.texts),
+      _import(_tree, _edits, _parts.tree.files, _parts.texts), _treeModel(_tree, _parts.texts),
       _refresh(_parts.updaterProgram, _parts.tree.home, [this] { showRefresh(); }),
       _schedule(
           {_parts.tree.home, _parts.tree.clock, _parts.tree.files, _parts.tree.timers},
@@ -78,9 +78,10 @@ void MainWindow::connectNodes()
             });
     connect(_treePane->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { updateActions(); });
 
-    connect(_actions.renameNode, &QAction::triggered, this, [this] { _treePane->edit(_treePane->currentIndex()); });
+    connect(_actions.renameNode, &QAction::triggered, this,
+            [this] { _treePane->rename(_treePane->selectedUuids().value(0)); });
     connect(_actions.removeNode, &QAction::triggered, this, [this] { _nodeEdits.remove(_treePane->selectedUuids()); });
-    connect(_actions.markAllRead, &QAction::triggered, this, [this] { _resultEdits.markAllRead(shownNode()); });
+    connect(_actions.markAllRead, &QAction::triggered, this, [this] { _resultEdits.markAllRead(chosenNodes()); });
     using Switch = TreeNodeEdits::Switch;
     const std::pair<QAction*, Switch> switches[] = {{_actions.enabled, Switch::Enabled},
                                                     {_actions.checkBlacklist, Switch::CheckBlacklist},
@@ -88,6 +89,15 @@ void MainWindow::connectNodes()
     for (const auto& [action, which] : switches)
         connect(action, &QAction::triggered, this,
                 [this, which = which](bool on) { _nodeEdits.set(which, on, _treePane->selectedUuids()); });
+    connect(_actions.checkBlacklist, &QAction::triggered, this, [this](bool on) {
+        if (!on)
+            _notice->say(NoticeBar::Kind::Word, _parts.texts.text(QStringLiteral("212_Leaving")));
+    });
+    using Step = TreeNodeEdits::Step;
+    const std::pair<QAction*, Step> steps[] = {{_actions.moveUp, Step::Up}, {_actions.moveDown, Step::Down}};
+    for (const auto& [action, step] : steps)
+        connect(action, &QAction::triggered, this,
+                [this, step = step] { _nodeEdits.step(step, _treePane->selectedUuids()); });
 }
 
 void MainWindow::connectResults()
@@ -159,6 +169,12 @@ QueryCorePtr MainWindow::shownNode() const
     return node ? node : _tree.root();
 }
 
+QList<QueryCorePtr> MainWindow::chosenNodes() const
+{
+    const QStringList selected = _treePane->selectedUuids();
+    return selected.isEmpty() ? QList{_tree.root()} : edits::topmost(_tree.root(), selected);
+}
+
 void MainWindow::showNode()
 {
     const QueryCorePtr node = shownNode();
@@ -189,16 +205,28 @@ void MainWindow::updateActions()
     const QStringList nodes = _treePane->selectedUuids();
     for (QAction* const action : _actions.ofNodes())
         action->setEnabled(!nodes.isEmpty());
-    _actions.exportNode->setEnabled(true); // Without a selection, everything.
-    _actions.markAllRead->setEnabled(_tree.counts().of(shownNode()->UUID()).unread > 0);
-    if (const QueryCorePtr node = _tree.node(nodes.value(0))) {
-        _actions.enabled->setChecked(node->isEnabled());
-        _actions.checkBlacklist->setChecked(node->isCheckingBlacklist());
-        _actions.computeChecksum->setChecked(node->isComputingChecksum());
-        for (QAction* const action : {_actions.editQuery, _actions.queryFilters})
-            action->setEnabled(nodes.size() == 1 && !node->isQueryFolder());
+    // Without a selected node, everything.
+    for (QAction* const action : {_actions.exportNode, _actions.offlineCopy})
+        action->setEnabled(true);
+    const QList<QueryCorePtr> chosen = chosenNodes();
+    _actions.markAllRead->setEnabled(std::any_of(chosen.begin(), chosen.end(), [this](const QueryCorePtr& node) {
+        return _tree.counts().of(node->UUID()).unread > 0;
+    }));
+    using Switch = TreeNodeEdits::Switch;
+    const std::pair<QAction*, Switch> switches[] = {{_actions.enabled, Switch::Enabled},
+                                                    {_actions.checkBlacklist, Switch::CheckBlacklist},
+                                                    {_actions.computeChecksum, Switch::ComputeChecksum}};
+    for (const auto& [action, which] : switches) {
+        const std::optional<bool> isOn = _nodeEdits.isOn(which, nodes);
+        action->setEnabled(isOn.has_value());
+        action->setChecked(isOn.value_or(false));
     }
-    _actions.renameNode->setEnabled(nodes.size() == 1);
+    const QueryCorePtr single = nodes.size() == 1 ? _tree.node(nodes.constFirst()) : nullptr;
+    for (QAction* const action : {_actions.editQuery, _actions.queryFilters})
+        action->setEnabled(single && !single->isQueryFolder());
+    _actions.renameNode->setEnabled(single != nullptr);
+    _actions.moveUp->setEnabled(_nodeEdits.canStep(TreeNodeEdits::Step::Up, nodes));
+    _actions.moveDown->setEnabled(_nodeEdits.canStep(TreeNodeEdits::Step::Down, nodes));
 
     const QModelIndexList rows = _resultsPane->selectedRows();
     const bool showsHidden = _resultsPane->showsHidden();
@@ -216,7 +244,7 @@ void MainWindow::updateActions()
                                   _actions.newFolder, _actions.importFile})
         action->setEnabled(isReadable);
     _actions.refreshAll->setEnabled(isReadable && !_refresh.state().isRunning);
-    _actions.refreshSelected->setEnabled(!_refresh.state().isRunning && !nodes.isEmpty());
+    _actions.refreshSelected->setEnabled(isReadable && !_refresh.state().isRunning);
     _actions.stopRefresh->setEnabled(_refresh.state().isRunning);
 }
 
@@ -267,7 +295,7 @@ void MainWindow::addFolder()
         QueryCore::initWithQueryFolder(_parts.texts.text(QStringLiteral("203_New folder title")));
     _nodeEdits.add(folder, _treePane->folderForNew());
     _treePane->select(folder->UUID());
-    _treePane->edit(_treePane->currentIndex());
+    _treePane->rename(folder->UUID());
 }
 
 void MainWindow::askForImport()

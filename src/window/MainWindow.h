@@ -98,6 +98,8 @@ private:
 
     /// The node whose results are shown: the current one, else the whole tree.
     [[nodiscard]] QueryCorePtr shownNode() const;
+    /// What commands are about: the selected nodes, else the whole tree.
+    [[nodiscard]] QList<QueryCorePtr> chosenNodes() const;
     void showNode();
     void showResult();
     /// The panes, the welcome, or what is wrong with the database.

@@ -103,7 +103,7 @@ void MainWindow::scopeKeys()
     scope(ofResults, {&_resultsPane->list(), _detailPane});
     scope({_actions.nextUnread}, {&_resultsPane->list(), &_detailPane->text(), _treePane});
     scope({_actions.copyAddress}, {&_resultsPane->list()});
-    scope({_actions.removeNode}, {_treePane});
+    scope({_actions.removeNode, _actions.moveUp, _actions.moveDown}, {_treePane});
 }
 
 void MainWindow::makeMenus()
@@ -111,6 +111,8 @@ void MainWindow::makeMenus()
     const auto menu = [this](const char16_t* key, const QList<QAction*>& actions) {
         QMenu* const made = menuBar()->addMenu(_parts.texts.text(QString::fromUtf16(key)));
         made->addActions(actions);
+        // A menu does not take the focus from the title that is being typed.
+        connect(made, &QMenu::aboutToShow, _treePane, &TreePane::finishEditing);
         return made;
     };
     QMenu* const file = menu(u"200_Menu file", {_actions.newQuery, _actions.newAdvancedQuery, _actions.newCombinedQuery,
@@ -177,6 +179,7 @@ void MainWindow::rememberTree()
 
 void MainWindow::rememberLayout()
 {
+    _treePane->finishEditing();
     // A tree that is not there says nothing about folders.
     if (_isTreeShown && _treeModel.rowCount() > 0)
         rememberTree();

@@ -1,5 +1,7 @@
 #include "window/NodeTransfers.h"
 
+#include "exchange/TreeWalk.h"
+#include "session/TreeEdits.h"
 #include "text/LocalisedFormat.h"
 
 #include <QDir>
@@ -43,13 +45,14 @@ QString fileNameFor(const QString& title)
     return name.left(80);
 }
 
-void collectQueries(const QueryCorePtr& node, QList<QueryCorePtr>& queries)
+/// Several nodes as one that can be exported: a top folder over them, which they do not know of.
+QueryCorePtr asOne(const QList<QueryCorePtr>& nodes)
 {
-    if (!node->isQueryFolder())
-        queries.append(node);
-    const QList<QueryCorePtr> childs = node->childs().value_or(QList<QueryCorePtr>());
-    for (const QueryCorePtr& child : childs)
-        collectQueries(child, queries);
+    if (nodes.size() == 1)
+        return nodes.constFirst();
+    const QueryCorePtr top = QueryCore::initWithQueryFolder(QString());
+    top->setChildsFromArchive(nodes);
+    return top;
 }
 
 } // namespace
@@ -69,15 +72,15 @@ NodeTransfers::~NodeTransfers()
         *_exportCancelled = true;
 }
 
-QueryCorePtr NodeTransfers::nodeOf(const QString& uuid) const
+QList<QueryCorePtr> NodeTransfers::nodesOf(const QStringList& uuids) const
 {
-    const QueryCorePtr node = _parts.tree.node(uuid);
-    return node ? node : _parts.tree.root();
+    const QList<QueryCorePtr> top = edits::topmost(_parts.tree.root(), uuids);
+    return uuids.isEmpty() ? QList{_parts.tree.root()} : top;
 }
 
 void NodeTransfers::askForExport()
 {
-    const QString uuid = _parts.pane.currentUuid();
+    const QStringList uuids = _parts.pane.selectedUuids();
     auto* const dialog = new QFileDialog(_window, _parts.texts.text(QStringLiteral("214_Export title")));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
@@ -90,24 +93,30 @@ void NodeTransfers::askForExport()
     connect(dialog, &QFileDialog::filterSelected, dialog, [dialog, filters](const QString& filter) {
         dialog->setDefaultSuffix(extensionOf(Kinds[std::max<qsizetype>(0, filters.indexOf(filter))].format));
     });
-    const QueryCorePtr node = nodeOf(uuid);
-    dialog->selectFile(fileNameFor(node == _parts.tree.root() ? QStringLiteral("QuarrySpotter") : node->title()));
-    connect(dialog, &QFileDialog::fileSelected, this, [this, dialog, uuid, filters](const QString& file) {
+    const QueryCorePtr single = uuids.size() == 1 ? _parts.tree.node(uuids.constFirst()) : nullptr;
+    dialog->selectFile(fileNameFor(single ? single->title() : QStringLiteral("QuarrySpotter")));
+    connect(dialog, &QFileDialog::fileSelected, this, [this, dialog, uuids, filters](const QString& file) {
         const qsizetype kind = std::max<qsizetype>(0, filters.indexOf(dialog->selectedNameFilter()));
-        exportTo(uuid, file, exportFormatOfFile(file).value_or(Kinds[kind].format));
+        exportTo(uuids, file, exportFormatOfFile(file).value_or(Kinds[kind].format));
     });
     dialog->open();
 }
 
-void NodeTransfers::exportTo(const QString& uuid, const QString& file, ExportFormat format)
+void NodeTransfers::exportTo(const QStringList& nodes, const QString& file, ExportFormat format)
 {
+    const QList<QueryCorePtr> exported = nodesOf(nodes);
+    if (exported.isEmpty()) {
+        Q_EMIT ended(false, filledFormat(_parts.texts.text(QStringLiteral("214_Not exported")),
+                                         {_parts.texts.text(QStringLiteral("209_Gone"))}));
+        return;
+    }
     const auto cancelled = std::make_shared<std::atomic<bool>>(false);
     _exportCancelled = cancelled;
     QProgressDialog* const progress = showProgress(
         filledFormat(_parts.texts.text(QStringLiteral("214_Exporting")), {QDir::toNativeSeparators(file)}));
     connect(progress, &QProgressDialog::canceled, this, [cancelled] { *cancelled = true; });
     const QPointer<QProgressDialog> shown = progress;
-    _exporter.add([this, node = nodeOf(uuid), file, format, cancelled, shown, home = _parts.session.home,
+    _exporter.add([this, node = asOne(exported), file, format, cancelled, shown, home = _parts.session.home,
                    &files = _parts.session.files] {
         const ExportFile done = exportToFile(node, format, ExportedResults::All, file, home, files, cancelled.get());
         // A call that is queued for an object that went is dropped by Qt.
@@ -132,18 +141,20 @@ void NodeTransfers::askForCopy()
     dialog->setFileMode(QFileDialog::Directory);
     dialog->setOption(QFileDialog::ShowDirsOnly);
     connect(dialog, &QFileDialog::fileSelected, this,
-            [this, uuid = _parts.pane.currentUuid()](const QString& folder) { copyTo(uuid, folder); });
+            [this, uuids = _parts.pane.selectedUuids()](const QString& folder) { copyTo(uuids, folder); });
     dialog->open();
 }
 
-void NodeTransfers::copyTo(const QString& uuid, const QString& folder)
+void NodeTransfers::copyTo(const QStringList& nodes, const QString& folder)
 {
     if (isCopying()) {
         Q_EMIT ended(false, _parts.texts.text(QStringLiteral("214_Copy runs")));
         return;
     }
     QList<QueryCorePtr> queries;
-    collectQueries(nodeOf(uuid), queries);
+    const QList<QueryCorePtr> copied = nodesOf(nodes);
+    for (const QueryCorePtr& node : copied)
+        queries += queriesBelow(node);
     if (queries.isEmpty())
         return;
     _copyProgress = showProgress(_parts.texts.text(QStringLiteral("214_Copying")));

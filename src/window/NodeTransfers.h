@@ -38,8 +38,9 @@ public:
     /// Stops a copy, and calls back when the window may go.
     void stopToQuit(std::function<void()> reply) { _copy.stopToQuit(std::move(reply)); }
 
-    void exportTo(const QString& uuid, const QString& file, ExportFormat format);
-    void copyTo(const QString& uuid, const QString& folder);
+    // No nodes stand for everything. What is not there any more is passed over.
+    void exportTo(const QStringList& nodes, const QString& file, ExportFormat format);
+    void copyTo(const QStringList& nodes, const QString& folder);
 
 Q_SIGNALS:
     /// How it ended, for a person.
@@ -48,7 +49,7 @@ Q_SIGNALS:
 private:
     void askForExport();
     void askForCopy();
-    [[nodiscard]] QueryCorePtr nodeOf(const QString& uuid) const;
+    [[nodiscard]] QList<QueryCorePtr> nodesOf(const QStringList& uuids) const;
     [[nodiscard]] QProgressDialog* showProgress(const QString& text);
     void showCopy();
     [[nodiscard]] QString summaryOf(const OfflineCopyState& state) const;

@@ -1,8 +1,15 @@
 #include "window/QueryDialogs.h"
 
+#include "exchange/TreeWalk.h"
+#include "text/LocalisedFormat.h"
 #include "window/FiltersSheet.h"
+#include "window/FolderSheet.h"
 #include "window/KnownAddresses.h"
 
+#include <QMessageBox>
+#include <QPushButton>
+
+#include <limits>
 #include <tuple>
 #include <utility>
 
@@ -10,22 +17,11 @@ namespace quarry {
 
 namespace {
 
-/// Queries at and below the node, in the order of the tree.
-void collectQueries(const QueryCorePtr& node, QList<QueryCorePtr>& queries)
-{
-    if (!node->isQueryFolder())
-        queries.append(node);
-    const QList<QueryCorePtr> childs = node->childs().value_or(QList<QueryCorePtr>());
-    for (const QueryCorePtr& child : childs)
-        collectQueries(child, queries);
-}
-
 QList<MemberList::Known> knownQueries(const QueryCorePtr& root)
 {
-    QList<QueryCorePtr> queries;
-    collectQueries(root, queries);
+    const QList<QueryCorePtr> queries = queriesBelow(root);
     QList<MemberList::Known> known;
-    for (const QueryCorePtr& query : std::as_const(queries))
+    for (const QueryCorePtr& query : queries)
         known.append({query->title().trimmed(), QueryDefinition::of(*query).texts});
     return known;
 }
@@ -40,8 +36,11 @@ QueryDialogs::QueryDialogs(Parts parts, QWidget* window) : QObject(window), _par
                                                 {parts.actions.newCombinedQuery, Form::Combined}};
     for (const auto& [action, form] : makers)
         connect(action, &QAction::triggered, this, [this, form = form] { makeNew(form); });
-    connect(parts.actions.queryFilters, &QAction::triggered, this, [this] { editFilters(_parts.pane.currentUuid()); });
-    connect(parts.actions.editQuery, &QAction::triggered, this, [this] { editQuery(_parts.pane.currentUuid()); });
+    connect(parts.actions.queryFilters, &QAction::triggered, this,
+            [this] { editFilters(_parts.pane.selectedUuids().value(0)); });
+    connect(parts.actions.editQuery, &QAction::triggered, this,
+            [this] { editQuery(_parts.pane.selectedUuids().value(0)); });
+    connect(parts.actions.moveToFolder, &QAction::triggered, this, [this] { moveToFolder(); });
 }
 
 QuerySheet* QueryDialogs::sheet(QuerySheet::Form form, const QueryCorePtr& query)
@@ -64,7 +63,7 @@ QueryDefinition QueryDialogs::combinationOfSelected() const
     if (selected.size() > 1) {
         for (const QString& uuid : selected) {
             if (const QueryCorePtr node = _parts.tree.node(uuid))
-                collectQueries(node, members);
+                members += queriesBelow(node);
         }
     }
     QueryDefinition combination;
@@ -98,7 +97,7 @@ void QueryDialogs::makeNew(QuerySheet::Form form)
     if (form == QuerySheet::Form::Combined)
         made->setDefinition(combinationOfSelected(), true);
     connect(made, &QDialog::accepted, this,
-            [this, made, folder = _parts.pane.folderForNew()] { add(made->definition(), folder); });
+            [this, made, folder = _parts.pane.folderForNew()] { add(made->definition().makeNode(), folder); });
     made->open();
 }
 
@@ -110,7 +109,12 @@ void QueryDialogs::editQuery(const QString& uuid)
     QuerySheet* const made =
         sheet(query->isCombinedQuery() ? QuerySheet::Form::Combined : QuerySheet::Form::Advanced, query);
     made->setDefinition(QueryDefinition::of(*query), false);
-    connect(made, &QDialog::accepted, this, [this, made, uuid] { change(uuid, made->definition()); });
+    connect(made, &QDialog::accepted, this, [this, made, query] {
+        if (const QueryCorePtr now = _parts.tree.node(query->UUID()))
+            change(now, made->definition());
+        else
+            offerAnew(*query, made->definition(), QuerySettings::of(*query));
+    });
     made->open();
 }
 
@@ -124,37 +128,73 @@ void QueryDialogs::editFilters(const QString& uuid)
                                         _parts.texts, _window);
     made->setAttribute(Qt::WA_DeleteOnClose);
     made->setSettings(QuerySettings::of(*query));
-    connect(made, &QDialog::accepted, this, [this, made, uuid] { change(uuid, made->settings()); });
+    connect(made, &QDialog::accepted, this, [this, made, query] {
+        if (const QueryCorePtr now = _parts.tree.node(query->UUID()))
+            change(now, made->settings());
+        else
+            offerAnew(*query, QueryDefinition::of(*query), made->settings());
+    });
     made->open();
 }
 
-void QueryDialogs::add(const QueryDefinition& definition, const QString& folderUuid)
+void QueryDialogs::moveToFolder()
 {
-    const QueryCorePtr node = definition.makeNode();
+    const QStringList uuids = _parts.pane.selectedUuids();
+    auto* const made = new FolderSheet(_parts.tree.root(), uuids, _parts.texts, _window); // Deletes itself.
+    made->setAttribute(Qt::WA_DeleteOnClose);
+    connect(made, &QDialog::accepted, this, [this, made, uuids] {
+        _parts.edits.move(uuids, made->folderUuid(), std::numeric_limits<qsizetype>::max());
+    });
+    made->open();
+}
+
+void QueryDialogs::add(const QueryCorePtr& node, const QString& folderUuid)
+{
     if (!node)
         return;
     _parts.edits.add(node, folderUuid);
     _parts.pane.select(node->UUID());
 }
 
-void QueryDialogs::change(const QString& uuid, const QueryDefinition& definition)
+void QueryDialogs::offerAnew(const QueryCore& removed, const QueryDefinition& definition, const QuerySettings& settings)
 {
-    const QueryCorePtr query = _parts.tree.node(uuid);
-    if (!query)
-        return; // Another program took it away meanwhile.
+    const QueryCorePtr node = definition.makeNode();
+    if (!node)
+        return;
+    settings.applyTo(*node);
+    auto* const box = new QMessageBox(
+        QMessageBox::Question, _parts.texts.text(QStringLiteral("210_Title edit query")),
+        filledFormat(_parts.texts.text(QStringLiteral("210_Removed meanwhile")), {removed.title().trimmed()}),
+        QMessageBox::Yes | QMessageBox::Discard, _window); // Deletes itself.
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setTextFormat(Qt::PlainText);
+    box->button(QMessageBox::Yes)->setText(_parts.texts.text(QStringLiteral("210_Add anew")));
+    box->setDefaultButton(QMessageBox::Yes);
+    box->setEscapeButton(QMessageBox::Discard);
+    connect(box, &QDialog::finished, this, [this, node](int answer) {
+        if (answer == QMessageBox::Yes)
+            add(node, {});
+    });
+    box->open();
+}
+
+void QueryDialogs::change(const QueryCorePtr& query, const QueryDefinition& definition)
+{
     const QueryDefinition now = QueryDefinition::of(*query);
     if (definition.looksForTheSame(now) && definition.name == now.name)
         return;
     const QueryRedefinition redefined = redefinition(*query, definition);
-    _parts.edits.redefine(uuid, redefined.change, redefined.opposite);
+    _parts.edits.redefine(query->UUID(), redefined.change, redefined.opposite);
 }
 
-void QueryDialogs::change(const QString& uuid, const QuerySettings& settings)
+void QueryDialogs::change(const QueryCorePtr& query, const QuerySettings& settings)
 {
-    if (const QueryCorePtr query = _parts.tree.node(uuid))
-        _parts.edits.redefine(
-            uuid, [settings](QueryCore& node) { settings.applyTo(node); },
-            [former = QuerySettings::of(*query)](QueryCore& node) { former.applyTo(node); });
+    const QuerySettings former = QuerySettings::of(*query);
+    if (settings == former)
+        return;
+    _parts.edits.redefine(
+        query->UUID(), [settings](QueryCore& node) { settings.applyTo(node); },
+        [former](QueryCore& node) { former.applyTo(node); });
 }
 
 } // namespace quarry

@@ -12,7 +12,7 @@
 
 namespace quarry {
 
-/// Opens the sheets in which queries are made and changed, and makes the changes when they are accepted.
+/// Opens the sheets in which queries are made, changed and moved, and makes the changes when they are accepted.
 class QueryDialogs final : public QObject {
     Q_OBJECT
 
@@ -36,9 +36,13 @@ private:
     [[nodiscard]] QuerySheet* sheet(QuerySheet::Form form, const QueryCorePtr& query);
     /// What a new combined query begins with: the queries that are selected.
     [[nodiscard]] QueryDefinition combinationOfSelected() const;
-    void add(const QueryDefinition& definition, const QString& folderUuid);
-    void change(const QString& uuid, const QueryDefinition& definition);
-    void change(const QString& uuid, const QuerySettings& settings);
+    void moveToFolder();
+    /// Nothing for none.
+    void add(const QueryCorePtr& node, const QString& folderUuid);
+    /// Another program removed the query while its sheet was open: what was typed may become a new one.
+    void offerAnew(const QueryCore& removed, const QueryDefinition& definition, const QuerySettings& settings);
+    void change(const QueryCorePtr& query, const QueryDefinition& definition);
+    void change(const QueryCorePtr& query, const QuerySettings& settings);
 
     Parts _parts;
     QWidget* _window;

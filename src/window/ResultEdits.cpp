@@ -1,5 +1,7 @@
 #include "window/ResultEdits.h"
 
+#include "exchange/TreeWalk.h"
+
 #include <QMap>
 #include <QSet>
 
@@ -21,9 +23,6 @@ QModelIndexList rowsWhere(const ResultModel& model, const QModelIndexList& rows,
 
 void collectUnread(const QueryCorePtr& node, ResultSelection& unread)
 {
-    const QList<QueryCorePtr> childs = node->childs().value_or(QList<QueryCorePtr>());
-    for (const QueryCorePtr& child : childs)
-        collectUnread(child, unread);
     const ResultList records = node->snapshot().fields._currentResult.value_or(ResultList());
     for (const ResultRecord& record : records) {
         if (!record.isRead())
@@ -51,11 +50,11 @@ void ResultEdits::markOpened(const ResultModel& model, const QModelIndexList& ro
         _edits.performQuietly(edits::setRead(true, unread));
 }
 
-void ResultEdits::markAllRead(const QueryCorePtr& node)
+void ResultEdits::markAllRead(const QList<QueryCorePtr>& nodes)
 {
     ResultSelection unread;
-    if (node)
-        collectUnread(node, unread);
+    for (const QueryCorePtr& node : nodes)
+        walk(node, [&unread](const QueryCorePtr& each, int) { collectUnread(each, unread); });
     if (!unread.isEmpty())
         _edits.perform(_texts.text(QStringLiteral("201_Undo mark all read")),
                        {edits::setRead(true, unread), edits::setRead(false, unread)});

@@ -10,16 +10,13 @@ namespace quarry {
 class ResultEdits final {
 public:
     /// All must outlive the object.
-    ResultEdits(const LiveTree& tree, UndoableEdits& edits, const StringTable& texts)
-        : _tree(tree), _edits(edits), _texts(texts)
-    {
-    }
+    ResultEdits(UndoableEdits& edits, const StringTable& texts) : _edits(edits), _texts(texts) {}
 
     void setRead(bool read, const ResultModel& model, const QModelIndexList& rows);
     /// Opening a result marks it without a word.
     void markOpened(const ResultModel& model, const QModelIndexList& rows);
-    /// Everything in a query, or below a folder.
-    void markAllRead(const QueryCorePtr& node);
+    /// Everything in the queries, and below the folders.
+    void markAllRead(const QList<QueryCorePtr>& nodes);
     void setHidden(bool hidden, const ResultModel& model, const QModelIndexList& rows);
     /// 0 takes the rating away.
     void setRating(qint64 rating, const ResultModel& model, const QModelIndexList& rows);
@@ -27,7 +24,6 @@ public:
     void excludeHosts(const ResultModel& model, const QModelIndexList& rows);
 
 private:
-    const LiveTree& _tree;
     UndoableEdits& _edits;
     const StringTable& _texts;
 };

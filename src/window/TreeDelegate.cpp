@@ -4,6 +4,7 @@
 #include "window/TreeModel.h"
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QLocale>
 #include <QPainter>
 #include <QStyle>
@@ -26,13 +27,13 @@ QStyle::StandardPixmap pictureOf(const QModelIndex& index)
         return QStyle::SP_BrowserReload;
     if (index.data(TreeModel::PausedRole).toBool())
         return QStyle::SP_MediaPause;
+    if (index.data(TreeModel::UuidRole).toString().isEmpty())
+        return QStyle::SP_FileDialogDetailedView;
     const bool isFolder = index.data(TreeModel::KindRole).toInt() == int(QueryKind::Folder);
     return isFolder ? QStyle::SP_DirIcon : QStyle::SP_FileDialogContentsView;
 }
 
 } // namespace
-
-TreeDelegate::TreeDelegate(const StringTable& texts, QObject* parent) : QStyledItemDelegate(parent), _texts(texts) {}
 
 QIcon TreeDelegate::icon(QStyle::StandardPixmap picture) const
 {
@@ -83,6 +84,14 @@ void TreeDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     painter->setFont(drawn.font);
     painter->drawText(bubble, Qt::AlignCenter, badge);
     painter->restore();
+}
+
+void TreeDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const
+{
+    // The view asks for this with every change of the row, whatever changed.
+    const auto* const line = qobject_cast<QLineEdit*>(editor);
+    if (!line || (!line->isModified() && line->text() != index.data(Qt::EditRole).toString()))
+        QStyledItemDelegate::setEditorData(editor, index);
 }
 
 QSize TreeDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "archive/StringTable.h"
-
 #include <QHash>
 #include <QIcon>
 #include <QStyle>
@@ -15,10 +13,12 @@ class TreeDelegate final : public QStyledItemDelegate {
     Q_OBJECT
 
 public:
-    TreeDelegate(const StringTable& texts, QObject* parent);
+    using QStyledItemDelegate::QStyledItemDelegate;
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    /// Leaves alone what is being typed.
+    void setEditorData(QWidget* editor, const QModelIndex& index) const override;
 
 protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
@@ -26,7 +26,6 @@ protected:
 private:
     [[nodiscard]] QIcon icon(QStyle::StandardPixmap picture) const;
 
-    const StringTable& _texts;
     /// The style reads its files again each time it is asked: that took most of the time of drawing the window.
     mutable QHash<QStyle::StandardPixmap, QIcon> _icons;
 };

@@ -1,18 +1,22 @@
 #pragma once
 
+#include "archive/StringTable.h"
 #include "session/LiveTree.h"
 
 #include <QAbstractItemModel>
 #include <QSet>
 #include <QString>
 
-#include <functional>
 #include <memory>
+#include <vector>
 
 namespace quarry {
 
+struct TreeRow;
+
 /// The query tree as a view wants it: a snapshot of which nodes stand where, what they are called and what their badges
-/// say. Rows are found again by the UUIDs of their nodes; after reset() every index is a new one.
+/// say. Above them, unless the tree is empty, a row stands for everything: it has no UUID. Rows are found again by the
+/// UUIDs of their nodes; after reset() every index is a new one.
 class TreeModel final : public QAbstractItemModel {
     Q_OBJECT
 
@@ -21,13 +25,12 @@ public:
         UuidRole = Qt::UserRole,
         KindRole,     ///< int of QueryKind
         UnreadRole,   ///< qint64
-        FreshRole,    ///< qint64: brought by the latest update
-        UpdatingRole, ///< bool
+        UpdatingRole, ///< bool: the query, or one below the folder
         PausedRole,   ///< bool
     };
 
-    /// `tree` must outlive the model.
-    explicit TreeModel(const LiveTree& tree, QObject* parent = nullptr);
+    /// Both must outlive the model.
+    TreeModel(const LiveTree& tree, const StringTable& texts, QObject* parent = nullptr);
     ~TreeModel() override;
 
     /// The tree is another one, or nodes came, went or moved.
@@ -37,6 +40,7 @@ public:
     void setUpdating(const QSet<QString>& uuids);
 
     [[nodiscard]] QueryCorePtr node(const QModelIndex& index) const;
+    /// An empty UUID names the row for everything.
     [[nodiscard]] QModelIndex indexOf(const QString& uuid) const;
 
     // What the user does to the tree in the view; the model itself changes nothing.
@@ -65,11 +69,18 @@ private:
     struct Item;
 
     [[nodiscard]] Item* item(const QModelIndex& index) const;
-    static void fill(Item& item, const QueryCorePtr& node);
+    static Item& append(Item& to, const QueryCorePtr& node, const QString& uuid);
+    static void fill(Item& item);
     [[nodiscard]] QModelIndex find(const Item& below, const QString& uuid) const;
     void refreshBelow(const QModelIndex& parent);
+    /// Notes whether the node or one below it is updated. Those of which that changed are added to the list.
+    bool markUpdating(Item& item, std::vector<Item*>& changed);
+    [[nodiscard]] QString titleOf(const Item& item) const;
+    [[nodiscard]] TreeCounts::Counts countsOf(const Item& item) const;
+    [[nodiscard]] TreeRow rowOf(const Item& item) const;
 
     const LiveTree& _tree;
+    const StringTable& _texts;
     std::unique_ptr<Item> _root;
     QSet<QString> _updating;
 };

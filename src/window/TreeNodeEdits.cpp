@@ -1,5 +1,7 @@
 #include "window/TreeNodeEdits.h"
 
+#include "exchange/TreeWalk.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -32,15 +34,16 @@ void setState(QueryCore& query, TreeNodeEdits::Switch which, bool on)
     }
 }
 
-/// The queries at and below the node whose switch stands the other way.
-void collect(const QueryCorePtr& node, TreeNodeEdits::Switch which, bool on, QStringList& found)
+/// What stands at and below these nodes and has that switch. Only the one for refreshes is a folder's own as well.
+QList<QueryCorePtr> switched(const QList<QueryCorePtr>& nodes, TreeNodeEdits::Switch which)
 {
-    const bool counts = !node->isQueryFolder() || which == TreeNodeEdits::Switch::Enabled;
-    if (counts && stateOf(*node, which) != on)
-        found.append(node->UUID());
-    const QList<QueryCorePtr> childs = node->childs().value_or(QList<QueryCorePtr>());
-    for (const QueryCorePtr& child : childs)
-        collect(child, which, on, found);
+    QList<QueryCorePtr> found;
+    for (const QueryCorePtr& node : nodes)
+        walk(node, [&](const QueryCorePtr& each, int) {
+            if (!each->isQueryFolder() || which == TreeNodeEdits::Switch::Enabled)
+                found.append(each);
+        });
+    return found;
 }
 
 struct Placed {
@@ -61,24 +64,6 @@ QList<Placed> inOrder(const QueryCorePtr& root, const QList<QueryCorePtr>& nodes
 
 } // namespace
 
-QList<QueryCorePtr> TreeNodeEdits::topmost(const QStringList& uuids) const
-{
-    QList<QueryCorePtr> nodes;
-    for (const QString& uuid : uuids) {
-        if (const QueryCorePtr node = _tree.node(uuid); node && node != _tree.root())
-            nodes.append(node);
-    }
-    QList<QueryCorePtr> top;
-    for (const QueryCorePtr& node : nodes) {
-        const bool isBelow = std::any_of(nodes.begin(), nodes.end(), [&node](const QueryCorePtr& other) {
-            return other != node && other->contains(node);
-        });
-        if (!isBelow)
-            top.append(node);
-    }
-    return top;
-}
-
 void TreeNodeEdits::add(const QueryCorePtr& node, const QString& folderUuid)
 {
     _edits.perform(_texts.text(QStringLiteral("201_Undo add")),
@@ -88,7 +73,7 @@ void TreeNodeEdits::add(const QueryCorePtr& node, const QString& folderUuid)
 void TreeNodeEdits::remove(const QStringList& uuids)
 {
     QList<edits::Reversible> changes;
-    for (const Placed& each : inOrder(_tree.root(), topmost(uuids)))
+    for (const Placed& each : inOrder(_tree.root(), edits::topmost(_tree.root(), uuids)))
         changes.append(edits::removal(_tree.root(), each.node));
     if (!changes.isEmpty())
         _edits.perform(_texts.text(QStringLiteral("201_Undo remove")), edits::together(changes));
@@ -96,9 +81,12 @@ void TreeNodeEdits::remove(const QStringList& uuids)
 
 void TreeNodeEdits::move(const QStringList& uuids, const QString& folderUuid, qsizetype index)
 {
+    const QueryCorePtr folder = folderUuid.isEmpty() ? _tree.root() : _tree.node(folderUuid);
+    if (!folder)
+        return;
     QList<edits::Reversible> changes;
-    qsizetype target = index;
-    const QList<Placed> nodes = inOrder(_tree.root(), topmost(uuids));
+    qsizetype target = std::min(index, folder->numberOfChilds());
+    const QList<Placed> nodes = inOrder(_tree.root(), edits::topmost(_tree.root(), uuids));
     // Those that leave places before the target in the same folder move it forward.
     for (const Placed& each : nodes)
         target -= each.place.folderUuid == folderUuid && each.place.index < index ? 1 : 0;
@@ -107,6 +95,34 @@ void TreeNodeEdits::move(const QStringList& uuids, const QString& folderUuid, qs
                         edits::move(node->UUID(), place.folderUuid, place.index)});
     if (!changes.isEmpty())
         _edits.perform(_texts.text(QStringLiteral("201_Undo move")), edits::together(changes));
+}
+
+std::optional<qsizetype> TreeNodeEdits::stepOf(Step step, const QList<QueryCorePtr>& nodes) const
+{
+    const QList<Placed> placed = inOrder(_tree.root(), nodes);
+    if (placed.isEmpty())
+        return std::nullopt;
+    const edits::Place first = placed.constFirst().place;
+    const bool isOneFolder = std::all_of(placed.begin(), placed.end(), [&first](const Placed& each) {
+        return each.place.folderUuid == first.folderUuid;
+    });
+    const QueryCorePtr folder = first.folderUuid.isEmpty() ? _tree.root() : _tree.node(first.folderUuid);
+    // Down is behind the one that follows the last.
+    const qsizetype target = step == Step::Up ? first.index - 1 : placed.constLast().place.index + 2;
+    const bool isThere = isOneFolder && target >= 0 && target <= folder->numberOfChilds();
+    return isThere ? std::optional(target) : std::nullopt;
+}
+
+bool TreeNodeEdits::canStep(Step step, const QStringList& uuids) const
+{
+    return stepOf(step, edits::topmost(_tree.root(), uuids)).has_value();
+}
+
+void TreeNodeEdits::step(Step step, const QStringList& uuids)
+{
+    const QList<QueryCorePtr> nodes = edits::topmost(_tree.root(), uuids);
+    if (const std::optional<qsizetype> target = stepOf(step, nodes))
+        move(uuids, edits::placeOf(_tree.root(), nodes.constFirst()).folderUuid, *target);
 }
 
 void TreeNodeEdits::rename(const QString& uuid, const QString& title)
@@ -120,11 +136,22 @@ void TreeNodeEdits::rename(const QString& uuid, const QString& title)
                    {edits::rename(uuid, wanted), edits::rename(uuid, former)});
 }
 
+std::optional<bool> TreeNodeEdits::isOn(Switch which, const QStringList& uuids) const
+{
+    const QList<QueryCorePtr> nodes = switched(edits::topmost(_tree.root(), uuids), which);
+    if (nodes.isEmpty())
+        return std::nullopt;
+    return std::all_of(nodes.begin(), nodes.end(), [which](const QueryCorePtr& node) { return stateOf(*node, which); });
+}
+
 void TreeNodeEdits::set(Switch which, bool on, const QStringList& uuids)
 {
     QStringList changing;
-    for (const QueryCorePtr& node : topmost(uuids))
-        collect(node, which, on, changing);
+    const QList<QueryCorePtr> nodes = switched(edits::topmost(_tree.root(), uuids), which);
+    for (const QueryCorePtr& node : nodes) {
+        if (stateOf(*node, which) != on)
+            changing.append(node->UUID());
+    }
     if (!changing.isEmpty())
         _edits.perform(_texts.text(QStringLiteral("201_Undo setting")),
                        {edits::change(changing, [which, on](QueryCore& node) { setState(node, which, on); }),

@@ -5,6 +5,8 @@
 
 #include <QStringList>
 
+#include <optional>
+
 namespace quarry {
 
 /// What the user does to queries and folders, by their UUIDs.
@@ -21,9 +23,16 @@ public:
     void remove(const QStringList& uuids);
     /// `index` counts the folder's children as they are now.
     void move(const QStringList& uuids, const QString& folderUuid, qsizetype index);
+    enum class Step { Up, Down };
+    /// Whether the nodes stand in one folder and there is a place above, or below, them.
+    [[nodiscard]] bool canStep(Step step, const QStringList& uuids) const;
+    /// Together they come to stand one place further up, or down, in their folder.
+    void step(Step step, const QStringList& uuids);
     void rename(const QString& uuid, const QString& title);
 
     enum class Switch { Enabled, CheckBlacklist, ComputeChecksum };
+    /// Whether it is on for all of these queries, and for every query below a folder; none when there are none.
+    [[nodiscard]] std::optional<bool> isOn(Switch which, const QStringList& uuids) const;
     /// For the queries themselves, and for every query below a folder.
     void set(Switch which, bool on, const QStringList& uuids);
 
@@ -32,8 +41,8 @@ public:
                   const std::function<void(QueryCore&)>& back);
 
 private:
-    /// Without those that stand below another one of them.
-    [[nodiscard]] QList<QueryCorePtr> topmost(const QStringList& uuids) const;
+    /// The place in their folder that a step brings them to.
+    [[nodiscard]] std::optional<qsizetype> stepOf(Step step, const QList<QueryCorePtr>& nodes) const;
 
     const LiveTree& _tree;
     UndoableEdits& _edits;

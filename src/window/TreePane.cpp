@@ -5,30 +5,30 @@
 #include <QContextMenuEvent>
 #include <QScrollBar>
 
+#include <utility>
+
 namespace quarry {
 
 namespace {
 
-void collectExpanded(const QTreeView& view, const QModelIndex& parent, QStringList& uuids)
+/// Every row, in the order in which they stand.
+void collectRows(const QAbstractItemModel& model, const QModelIndex& parent, QModelIndexList& rows)
 {
-    const QAbstractItemModel& model = *view.model();
     for (int row = 0; row < model.rowCount(parent); ++row) {
         const QModelIndex index = model.index(row, 0, parent);
-        if (view.isExpanded(index))
-            uuids.append(index.data(TreeModel::UuidRole).toString());
-        collectExpanded(view, index, uuids);
+        rows.append(index);
+        collectRows(model, index, rows);
     }
 }
 
-/// The queries, in the order in which they stand.
-void collectQueries(const QAbstractItemModel& model, const QModelIndex& parent, QModelIndexList& queries)
+QString uuidAt(const QModelIndex& index)
 {
-    for (int row = 0; row < model.rowCount(parent); ++row) {
-        const QModelIndex index = model.index(row, 0, parent);
-        if (index.data(TreeModel::KindRole).toInt() != int(QueryKind::Folder))
-            queries.append(index);
-        collectQueries(model, index, queries);
-    }
+    return index.data(TreeModel::UuidRole).toString();
+}
+
+bool isFolder(const QModelIndex& index)
+{
+    return index.data(TreeModel::KindRole).toInt() == int(QueryKind::Folder);
 }
 
 } // namespace
@@ -36,7 +36,7 @@ void collectQueries(const QAbstractItemModel& model, const QModelIndex& parent, 
 TreePane::TreePane(TreeModel& model, const StringTable& texts, QWidget* parent) : QTreeView(parent), _model(model)
 {
     setModel(&model);
-    setItemDelegate(new TreeDelegate(texts, this));
+    setItemDelegate(new TreeDelegate(this));
     setHeaderHidden(true);
     setUniformRowHeights(true);
     setSelectionMode(ExtendedSelection);
@@ -46,28 +46,67 @@ TreePane::TreePane(TreeModel& model, const StringTable& texts, QWidget* parent) 
     setAccessibleName(texts.text(QStringLiteral("200_Tree")));
 }
 
+QStringList TreePane::near(const QModelIndex& index)
+{
+    QStringList uuids;
+    for (QModelIndex at = index; at.isValid(); at = at.parent()) {
+        for (QModelIndex next = at; next.isValid(); next = next.siblingAtRow(next.row() + 1))
+            uuids.append(uuidAt(next));
+        for (int row = at.row() - 1; row >= 0; --row)
+            uuids.append(uuidAt(at.siblingAtRow(row)));
+    }
+    return uuids;
+}
+
 void TreePane::rebuild()
 {
+    // The editor would go with its row.
+    _isRebuildDue = state() == EditingState;
+    if (_isRebuildDue)
+        return;
     const QStringList open = expanded();
-    const QStringList selected = selectedUuids();
-    const QString current = currentUuid();
+    const QStringList around = near(currentIndex());
+    QStringList selected;
+    const QModelIndexList rows = selectionModel()->selectedRows();
+    for (const QModelIndex& index : rows)
+        selected.append(uuidAt(index));
     const int scroll = verticalScrollBar()->value();
     _isRebuilding = true;
     _model.reset();
     setExpanded(open);
-    const QModelIndex now = _model.indexOf(current);
-    selectionModel()->setCurrentIndex(now, QItemSelectionModel::NoUpdate);
-    for (const QString& uuid : selected)
-        selectionModel()->select(_model.indexOf(uuid), QItemSelectionModel::Select);
+    QItemSelection kept;
+    for (const QString& uuid : std::as_const(selected)) {
+        if (const QModelIndex index = _model.indexOf(uuid); index.isValid())
+            kept.select(index, index);
+    }
+    QModelIndex current;
+    for (const QString& uuid : around) {
+        current = _model.indexOf(uuid);
+        if (current.isValid())
+            break;
+    }
+    if (kept.isEmpty()) {
+        selectOnly(current);
+    } else {
+        const bool isCurrentThere = around.isEmpty() || uuidAt(current) == around.constFirst();
+        selectOnly(isCurrentThere ? current : QModelIndex(kept.constFirst().topLeft()));
+        selectionModel()->select(kept, QItemSelectionModel::ClearAndSelect);
+    }
     verticalScrollBar()->setValue(scroll);
     _isRebuilding = false;
-    if (currentUuid() != current)
-        Q_EMIT currentChangedTo(currentUuid());
+    tellCurrent();
+}
+
+void TreePane::selectOnly(const QModelIndex& index)
+{
+    selectionModel()->select(index, QItemSelectionModel::ClearAndSelect);
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
 }
 
 QString TreePane::currentUuid() const
 {
-    return currentIndex().data(TreeModel::UuidRole).toString();
+    const QModelIndexList rows = selectionModel()->selectedRows();
+    return uuidAt(rows.size() == 1 ? rows.constFirst() : currentIndex());
 }
 
 QStringList TreePane::selectedUuids() const
@@ -75,53 +114,83 @@ QStringList TreePane::selectedUuids() const
     QStringList uuids;
     const QModelIndexList rows = selectionModel()->selectedRows();
     for (const QModelIndex& index : rows)
-        uuids.append(index.data(TreeModel::UuidRole).toString());
+        uuids.append(uuidAt(index));
+    uuids.removeAll(QString());
     return uuids;
+}
+
+bool TreePane::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event)
+{
+    const bool isBegun = QTreeView::edit(index, trigger, event);
+    if (isBegun)
+        _edited = index;
+    return isBegun;
+}
+
+void TreePane::finishEditing()
+{
+    QWidget* const editor = state() == EditingState ? indexWidget(_edited) : nullptr;
+    if (!editor)
+        return;
+    commitData(editor);
+    closeEditor(editor, QAbstractItemDelegate::NoHint);
+}
+
+void TreePane::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint)
+{
+    QTreeView::closeEditor(editor, hint);
+    if (_isRebuildDue)
+        rebuild();
 }
 
 void TreePane::select(const QString& uuid)
 {
-    const QModelIndex index = _model.indexOf(uuid);
-    setCurrentIndex(index);
-    scrollTo(index);
+    finishEditing(); // The node may be one that is not shown before that.
+    selectOnly(_model.indexOf(uuid));
+    scrollTo(currentIndex());
 }
 
 void TreePane::selectOrFirst(const QString& uuid)
 {
-    const QModelIndex wanted = _model.indexOf(uuid);
-    setCurrentIndex(wanted.isValid() ? wanted : _model.index(0, 0));
-    scrollTo(currentIndex());
+    select(_model.indexOf(uuid).isValid() ? uuid : uuidAt(_model.index(0, 0)));
 }
 
 bool TreePane::selectNextUnread()
 {
-    QModelIndexList queries;
-    collectQueries(_model, {}, queries);
-    const qsizetype here = queries.indexOf(currentIndex());
-    for (qsizetype i = 1; i <= queries.size(); ++i) {
-        const QModelIndex& next = queries.at((here + i) % queries.size());
-        if (next == currentIndex() || next.data(TreeModel::UnreadRole).toLongLong() == 0)
+    QModelIndexList rows;
+    collectRows(_model, {}, rows);
+    const QModelIndex current = _model.indexOf(currentUuid());
+    const qsizetype here = rows.indexOf(current);
+    for (qsizetype i = 1; i <= rows.size(); ++i) {
+        const QModelIndex& next = rows.at((here + i) % rows.size());
+        if (next == current || isFolder(next) || next.data(TreeModel::UnreadRole).toLongLong() == 0)
             continue;
-        setCurrentIndex(next);
-        scrollTo(next);
+        select(uuidAt(next));
         return true;
     }
     return false;
 }
 
+void TreePane::rename(const QString& uuid)
+{
+    edit(_model.indexOf(uuid));
+}
+
 QString TreePane::folderForNew() const
 {
-    const QModelIndex current = currentIndex();
-    if (!current.isValid())
-        return {};
-    const bool isFolder = current.data(TreeModel::KindRole).toInt() == int(QueryKind::Folder);
-    return (isFolder ? current : current.parent()).data(TreeModel::UuidRole).toString();
+    const QModelIndex current = _model.indexOf(currentUuid());
+    return uuidAt(isFolder(current) ? current : current.parent());
 }
 
 QStringList TreePane::expanded() const
 {
+    QModelIndexList rows;
+    collectRows(_model, {}, rows);
     QStringList uuids;
-    collectExpanded(*this, {}, uuids);
+    for (const QModelIndex& index : std::as_const(rows)) {
+        if (isExpanded(index))
+            uuids.append(uuidAt(index));
+    }
     return uuids;
 }
 
@@ -134,8 +203,30 @@ void TreePane::setExpanded(const QStringList& uuids)
 void TreePane::currentChanged(const QModelIndex& current, const QModelIndex& previous)
 {
     QTreeView::currentChanged(current, previous);
-    if (!_isRebuilding)
-        Q_EMIT currentChangedTo(current.data(TreeModel::UuidRole).toString());
+    tellCurrent();
+}
+
+void TreePane::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
+{
+    QTreeView::selectionChanged(selected, deselected);
+    tellCurrent();
+}
+
+void TreePane::tellCurrent()
+{
+    const QString current = currentUuid();
+    if (_isRebuilding || current == _told)
+        return;
+    _told = current;
+    Q_EMIT currentChangedTo(current);
+}
+
+QItemSelectionModel::SelectionFlags TreePane::selectionCommand(const QModelIndex& index, const QEvent* event) const
+{
+    const QItemSelectionModel::SelectionFlags flags = QTreeView::selectionCommand(index, event);
+    const bool isLast = selectionModel()->selectedRows() == QModelIndexList{index};
+    const bool isTakenOut = flags.testAnyFlags(QItemSelectionModel::Toggle | QItemSelectionModel::Deselect);
+    return !index.isValid() || (isLast && isTakenOut) ? QItemSelectionModel::NoUpdate : flags;
 }
 
 void TreePane::contextMenuEvent(QContextMenuEvent* event)

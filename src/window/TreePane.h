@@ -9,7 +9,8 @@
 namespace quarry {
 
 /// The tree of folders and queries on the left. Keeps selection, expansion and scroll position when the tree is
-/// replaced. It changes nothing: the model's signals and the context menu say what the user wants.
+/// replaced; unless it is empty, something is always selected. It changes nothing: the model's signals and the context
+/// menu say what the user wants.
 class TreePane final : public QTreeView {
     Q_OBJECT
 
@@ -17,18 +18,24 @@ public:
     /// `model` must outlive the pane.
     TreePane(TreeModel& model, const StringTable& texts, QWidget* parent = nullptr);
 
-    /// The tree is another one, or nodes came, went or moved.
+    /// The tree is another one, or nodes came, went or moved. While a title is being typed this waits for its end.
+    /// Where the selected nodes went, the nearest one that stays is selected.
     void rebuild();
-    /// The current node's UUID; empty: none, which stands for everything.
+    /// The node that is shown: the selected one, of several the one that was clicked last. Empty stands for everything.
     [[nodiscard]] QString currentUuid() const;
+    /// What commands are about; empty stands for everything.
     [[nodiscard]] QStringList selectedUuids() const;
+    /// Ends the typing of a title; what was typed is kept.
+    void finishEditing();
+    /// Selects that node alone.
     void select(const QString& uuid);
-    /// Selects that node, or the first one when it is not there.
+    /// Selects that node, or the first row when it is not there.
     void selectOrFirst(const QString& uuid);
-    /// Selects the next query below the current one with unread results, or one from the top; false when no other has
+    /// Selects the next query below the shown node with unread results, or one from the top; false when no other has
     /// any.
     bool selectNextUnread();
-    /// The folder that something new goes into: the current folder, or the one of the current query.
+    void rename(const QString& uuid);
+    /// The folder that something new goes into: the shown folder, or the one of the shown query.
     [[nodiscard]] QString folderForNew() const;
     /// Expanded folders, to be remembered from one start to the next.
     [[nodiscard]] QStringList expanded() const;
@@ -40,11 +47,26 @@ Q_SIGNALS:
 
 protected:
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
+    [[nodiscard]] QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                                       const QEvent* event) const override;
+    using QTreeView::edit;
+    bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
+    void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
+    /// Its row and those around it, nearest first, then the same of the folders above it.
+    [[nodiscard]] static QStringList near(const QModelIndex& index);
+    /// As a click without any key: those that happen to be held would add to the selection.
+    void selectOnly(const QModelIndex& index);
+    void tellCurrent();
+
     TreeModel& _model;
+    QPersistentModelIndex _edited;
+    QString _told; ///< What currentChangedTo() said last.
     bool _isRebuilding = false;
+    bool _isRebuildDue = false;
 };
 
 } // namespace quarry

@@ -25,6 +25,9 @@ WindowActions::WindowActions(const StringTable& texts, QObject* parent) : QObjec
     newFolder = make(u"203_New folder", {Qt::CTRL | Qt::ALT | Qt::Key_N});
     editQuery = make(u"203_Edit query", {Qt::CTRL | Qt::Key_E});
     renameNode = make(u"203_Rename", {Qt::Key_F2});
+    moveUp = make(u"203_Move up", {Qt::ALT | Qt::Key_Up});
+    moveDown = make(u"203_Move down", {Qt::ALT | Qt::Key_Down});
+    moveToFolder = make(u"203_Move to folder");
     removeNode = make(u"203_Remove", {QKeySequence::Delete, Qt::CTRL | Qt::Key_Backspace});
     enabled = make(u"203_Enabled");
     checkBlacklist = make(u"203_Check blacklist");
@@ -32,6 +35,10 @@ WindowActions::WindowActions(const StringTable& texts, QObject* parent) : QObjec
     for (QAction* action : {enabled, checkBlacklist, computeChecksum})
         action->setCheckable(true);
     queryFilters = make(u"203_Query filters");
+    for (QAction*& line : _lines) {
+        line = new QAction(this);
+        line->setSeparator(true);
+    }
     importFile = make(u"203_Import", {Qt::CTRL | Qt::Key_O});
     exportNode = make(u"203_Export", {Qt::CTRL | Qt::Key_S});
     offlineCopy = make(u"203_Offline copy");
@@ -96,8 +103,9 @@ QAction* WindowActions::make(const char16_t* key, const QList<QKeySequence>& key
 
 QList<QAction*> WindowActions::ofNodes() const
 {
-    return {refreshSelected, editQuery,   renameNode, enabled,     checkBlacklist, computeChecksum,
-            queryFilters,    markAllRead, exportNode, offlineCopy, removeNode};
+    return {refreshSelected, markAllRead,    _lines[0],       editQuery,   queryFilters, renameNode,
+            enabled,         checkBlacklist, computeChecksum, _lines[1],   moveUp,       moveDown,
+            moveToFolder,    _lines[2],      exportNode,      offlineCopy, removeNode};
 }
 
 QList<QAction*> WindowActions::ofResults() const

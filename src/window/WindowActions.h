@@ -29,6 +29,9 @@ public:
     QAction* newFolder;
     QAction* editQuery;
     QAction* renameNode;
+    QAction* moveUp;
+    QAction* moveDown;
+    QAction* moveToFolder;
     QAction* removeNode;
     QAction* enabled;         ///< Checkable.
     QAction* checkBlacklist;  ///< Checkable.
@@ -66,6 +69,7 @@ public:
     QAction* checkForUpdates;
     QAction* quit;
 
+    /// With lines between them.
     [[nodiscard]] QList<QAction*> ofNodes() const;
     [[nodiscard]] QList<QAction*> ofResults() const;
 
@@ -74,6 +78,7 @@ private:
     [[nodiscard]] QAction* make(const char16_t* key, const QList<QKeySequence>& keys = {});
 
     const StringTable& _texts;
+    std::array<QAction*, 3> _lines;
 };
 
 } // namespace quarry

@@ -9,6 +9,7 @@
 #include <QTextBrowser>
 #include <QTimer>
 #include <QToolButton>
+#include <QTreeWidget>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -159,6 +160,99 @@ TEST_F(MainWindowTest, StarsAreClickedAndKept)
     EXPECT_EQ(sum, 3);
 }
 
+TEST_F(MainWindowTest, ATitleIsTypedToItsEndWhateverHappensMeanwhile)
+{
+    openAt(pond);
+    window->treePane().setFocus();
+    QTest::keyClick(&window->treePane(), Qt::Key_F2);
+    QWidget* const editor = QApplication::focusWidget();
+    ASSERT_TRUE(qobject_cast<QLineEdit*>(editor));
+    QTest::keyClicks(editor, u"Still wa"_s);
+    window->actions().markAllRead->trigger();
+    edit([](Engine& database) { database.addQuery(u"stones"_s, false); });
+    ASSERT_TRUE(happens([this] { return node(u"stones"_s) != nullptr; }));
+    QTest::keyClicks(editor, u"ters"_s);
+    QTest::keyClick(editor, Qt::Key_Return);
+    EXPECT_TRUE(happens([this] { return treeRow(u"stones"_s).isValid(); })) << "it waited";
+    EXPECT_EQ(window->tree().node(pond)->title(), u"Still waters"_s);
+    EXPECT_EQ(window->treePane().currentUuid(), pond);
+}
+
+TEST_F(MainWindowTest, SomethingIsAlwaysSelectedAndEverythingHasARow)
+{
+    TreePane& tree = open().treePane();
+    tree.expandAll();
+    const WindowActions& actions = window->actions();
+    const auto spoken = [this, &tree](const QString& uuid) {
+        return static_cast<TreeModel*>(tree.model())->indexOf(uuid).data(Qt::AccessibleTextRole).toString();
+    };
+    clickTree(u"bread"_s);
+    actions.enabled->trigger();
+    EXPECT_EQ(spoken(bread), u"bread, paused"_s);
+    clickTree(u"All queries"_s);
+    EXPECT_EQ(spoken(QString()), u"All queries, 60 unread"_s);
+    EXPECT_EQ(list().model()->rowCount(), 60);
+    EXPECT_FALSE(actions.renameNode->isEnabled());
+    EXPECT_FALSE(actions.removeNode->isEnabled());
+    QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, QPoint(20, tree.viewport()->height() - 5));
+    QTest::mouseClick(tree.viewport(), Qt::LeftButton, Qt::ControlModifier, treeRow(u"All queries"_s).center());
+    EXPECT_EQ(tree.selectionModel()->selectedRows().size(), 1);
+    actions.markAllRead->trigger();
+    EXPECT_EQ(window->windowTitle(), u"QuarrySpotter"_s);
+
+    // What goes leaves the selection to what stands nearest.
+    clickTree(u"pond"_s);
+    QTest::keyClick(&tree, Qt::Key_Delete);
+    EXPECT_EQ(tree.selectedUuids(), QStringList{garden});
+    QTest::keyClick(&tree, Qt::Key_Delete);
+    EXPECT_EQ(tree.selectedUuids(), QStringList{bread});
+    QTest::keyClick(&tree, Qt::Key_Z, Qt::ControlModifier);
+    tree.select(bread);
+    EXPECT_EQ(tree.selectedUuids(), QStringList{bread}) << "whatever keys were pressed last";
+}
+
+TEST_F(MainWindowTest, AFoldersSwitchesAreThoseOfItsQueries)
+{
+    openAt(garden);
+    using State = bool (QueryCore::*)() const;
+    const WindowActions& actions = window->actions();
+    const std::pair<QAction*, State> switches[] = {{actions.checkBlacklist, &QueryCore::isCheckingBlacklist},
+                                                   {actions.computeChecksum, &QueryCore::isComputingChecksum},
+                                                   {actions.enabled, &QueryCore::isEnabled}};
+    for (const auto& [action, state] : switches) {
+        for (int time = 0; time < 2; ++time) {
+            const bool wasOn = (*window->tree().node(pond).*state)();
+            EXPECT_EQ(action->isChecked(), wasOn) << action->text().toStdString();
+            action->trigger();
+            EXPECT_EQ((*window->tree().node(pond).*state)(), !wasOn) << action->text().toStdString();
+        }
+    }
+}
+
+TEST_F(MainWindowTest, KeysMoveNodesAndASheetPutsThemIntoFolders)
+{
+    openAt(garden);
+    TreePane& tree = window->treePane();
+    tree.setFocus();
+    const auto order = [this, &tree] {
+        return child(u"Garden"_s).isEmpty() ? QString() : tree.model()->index(1, 0).data().toString();
+    };
+    EXPECT_FALSE(window->actions().moveUp->isEnabled());
+    QTest::keyClick(&tree, Qt::Key_Down, Qt::AltModifier);
+    EXPECT_EQ(order(), u"bread"_s);
+    EXPECT_FALSE(window->actions().moveDown->isEnabled());
+    QTest::keyClick(&tree, Qt::Key_Up, Qt::AltModifier);
+    EXPECT_EQ(order(), u"Garden"_s);
+    tree.select(bread);
+    window->actions().moveToFolder->trigger();
+    QDialog* const asked = sheet();
+    QTest::keyClick(asked->findChild<QTreeWidget*>(), Qt::Key_Down);
+    keepPicture(asked, u"move-to-folder"_s);
+    asked->accept();
+    ASSERT_TRUE(window->saveNow());
+    EXPECT_EQ(child(u"bread"_s, garden), bread);
+}
+
 TEST_F(MainWindowTest, WhatAnotherProgramWritesAppearsWithoutLosingThePlace)
 {
     openAt(pond);
@@ -190,7 +284,7 @@ TEST_F(MainWindowTest, NodesAreDraggedIntoFoldersAndBack)
     // Just above the first row: the top level.
     drag(onScreen(treeRow(u"pond"_s).center()), onScreen(treeRow(u"Garden"_s).topLeft() + QPoint(60, 1)));
     ASSERT_TRUE(happens([this] { return window->tree().root()->numberOfChilds() == 2; }));
-    EXPECT_EQ(window->treePane().model()->index(0, 0).data().toString(), u"pond"_s);
+    EXPECT_EQ(window->treePane().model()->index(1, 0).data().toString(), u"pond"_s);
     ASSERT_TRUE(window->saveNow());
     EXPECT_EQ(child(u"bread"_s, garden), bread);
     EXPECT_EQ(child(u"pond"_s), pond);

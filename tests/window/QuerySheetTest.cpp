@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QPushButton>
 
 using namespace quarry;
@@ -164,6 +165,25 @@ TEST(QuerySheetTest, AnEditedQueryKeepsItsResultsIsDueAgainAndCanBeTakenBack)
     ASSERT_TRUE(again);
     EXPECT_EQ(again->kind(), QueryKind::Plain);
     EXPECT_EQ(again->date(), before);
+}
+
+TEST(QuerySheetTest, WhatWasTypedOutlivesAQueryThatIsRemovedMeanwhile)
+{
+    WindowRig rig(fill);
+    rig.select(Bread);
+    rig.window->actions().editQuery->trigger();
+    QDialog* const sheet = rig.sheet();
+    line(sheet, "words")->setText(QStringLiteral("bread oven"));
+    rig.edit([&](QueryDatabaseEngine& database) {
+        database.currentRoot()->removeChild(database.queryForUUID(rig.node(Bread)->UUID()));
+    });
+    ASSERT_TRUE(happens([&] { return !rig.node(Bread); }));
+    button(sheet, QDialogButtonBox::Ok)->click();
+    auto* const question = qobject_cast<QMessageBox*>(rig.sheet());
+    ASSERT_TRUE(question);
+    keepPicture(question, QStringLiteral("removed-meanwhile"));
+    question->button(QMessageBox::Yes)->click();
+    EXPECT_TRUE(rig.stored(QStringLiteral("bread oven")));
 }
 
 } // namespace

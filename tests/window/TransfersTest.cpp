@@ -36,23 +36,32 @@ QStringList names(const QString& folder)
 
 TEST(TransfersTest, AnExportGoesWhereTheDialogSaysAndNeverIntoTheDatabasesFolder)
 {
-    WindowRig rig([](const QueryCorePtr& root) { root->addChild(QueryCore::initWithQuery(Bread)); });
+    WindowRig rig([](const QueryCorePtr& root) {
+        root->addChild(QueryCore::initWithQuery(Bread));
+        root->addChild(QueryCore::initWithQuery(QStringLiteral("pond")));
+    });
     rig.select(Bread);
-    const auto exportTo = [&](const QString& file) {
+    const auto exportTo = [&](const QString& file, const QString& suggested) {
         rig.window->actions().exportNode->trigger();
         auto* const dialog = qobject_cast<QFileDialog*>(rig.sheet());
         auto* const name = dialog->findChild<QLineEdit*>();
-        EXPECT_EQ(name->text().section(u'/', -1), Bread) << "a name is suggested";
+        EXPECT_EQ(name->text().section(u'/', -1), suggested);
         name->setText(file);
         QTest::keyClick(name, Qt::Key_Return);
     };
     const QString file = rig.home.path() + QStringLiteral("/kept.qsexport");
-    exportTo(file);
+    exportTo(file, Bread);
     ASSERT_TRUE(happens([&] { return notice(rig).contains(QLatin1String("kept.qsexport")); }));
-    const ImportedForest forest = readImport(contentOf(file), QString());
-    EXPECT_EQ(forest.fault, QString());
+    EXPECT_EQ(readImport(contentOf(file), QString()).nodes.size(), 1U);
 
-    exportTo(rig.home->supportFolder() + QStringLiteral("/Database.csv"));
+    rig.window->treePane().selectAll();
+    const QString both = rig.home.path() + QStringLiteral("/both.qsexport");
+    exportTo(both, QStringLiteral("QuarrySpotter"));
+    ASSERT_TRUE(happens([&] { return notice(rig).contains(QLatin1String("both.qsexport")); }));
+    EXPECT_EQ(readImport(contentOf(both), QString()).nodes.size(), 2U);
+    EXPECT_EQ(rig.stored(Bread)->parent()->childs()->size(), 2) << "the tree is as it was";
+
+    exportTo(rig.home->supportFolder() + QStringLiteral("/Database.csv"), QStringLiteral("QuarrySpotter"));
     ASSERT_TRUE(happens([&] { return notice(rig).contains(QLatin1String("Nothing was exported")); }));
     EXPECT_FALSE(QFile::exists(rig.home->supportFolder() + QStringLiteral("/Database.csv")));
 }
@@ -99,7 +108,7 @@ protected:
 
 TEST_F(OfflineTest, PagesAreCopiedAndCounted)
 {
-    transfers().copyTo(rig.node(Bread)->UUID(), folder);
+    transfers().copyTo({rig.node(Bread)->UUID()}, folder);
     ASSERT_TRUE(happens([&] { return !transfers().isCopying(); }));
     EXPECT_TRUE(notice(rig).contains(QLatin1String("Queries copied: 1, pages: 2"))) << notice(rig).toStdString();
     const QString copy = folder + u'/' + rig.node(Bread)->UUID();
@@ -109,7 +118,7 @@ TEST_F(OfflineTest, PagesAreCopiedAndCounted)
 
 TEST_F(OfflineTest, StopBreaksOffAndKeepsNothingUnfinished)
 {
-    transfers().copyTo(QString(), folder); // Everything: the first query is complete by then.
+    transfers().copyTo({}, folder); // Everything: the first query is complete by then.
     ASSERT_TRUE(happens([&] { return isHeld.load(); }));
     ASSERT_TRUE(happens([&] { return rig.sheet() != nullptr; }));
     keepPicture(rig.sheet(), QStringLiteral("offline-progress"));
@@ -122,7 +131,7 @@ TEST_F(OfflineTest, StopBreaksOffAndKeepsNothingUnfinished)
 
 TEST_F(OfflineTest, ClosingTheWindowEndsARunningCopyFirst)
 {
-    transfers().copyTo(rig.node(QStringLiteral("slow"))->UUID(), folder);
+    transfers().copyTo({rig.node(QStringLiteral("slow"))->UUID()}, folder);
     ASSERT_TRUE(happens([&] { return isHeld.load(); }));
     bool isClosed = false;
     QObject::connect(rig.window.get(), &MainWindow::closed, rig.window.get(), [&] {
