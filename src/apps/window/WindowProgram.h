@@ -1,7 +1,6 @@
 #pragma once
 
 #include "apps/window/BlacklistOpener.h"
-#include "apps/window/WindowOptions.h"
 #include "archive/StringTable.h"
 #include "platform/Bundle.h"
 #include "platform/Clock.h"

@@ -1,9 +1,9 @@
 #include "agent/DesktopSession.h"
+#include "apps/DesktopLoop.h"
+#include "apps/DesktopOptions.h"
 #include "apps/RegexMessages.h"
-#include "apps/window/WindowOptions.h"
 #include "apps/window/WindowProgram.h"
 #include "platform/HomeFolder.h"
-#include "platform/StopSignals.h"
 #include "platform/SystemLog.h"
 #include "platform/Terminal.h"
 
@@ -12,15 +12,19 @@
 #include <QLibraryInfo>
 #include <QTranslator>
 
-#include <thread>
-
 namespace {
 
 using namespace quarry;
 
 constexpr int Failed = 1;
 
-int run(const WindowOptions& options, bool isOwnHome, StopSignals& signals)
+constexpr DesktopOptions::Help Help = {"QuarrySpotter",
+                                       "Watches web searches: keeps them fresh and shows what is new.\n"
+                                       "One window a user: a second start brings the first to the front.",
+                                       "Exported files (.qsexport) or lists of searches (OPML) to import",
+                                       "An interrupt or SIGTERM saves and ends it.\n"};
+
+int run(const DesktopOptions& options, bool isOwnHome, StopSignals& signals)
 {
     WindowProgram program(isOwnHome);
     switch (program.start(options.files)) {
@@ -31,15 +35,7 @@ int run(const WindowOptions& options, bool isOwnHome, StopSignals& signals)
     case WindowProgram::Start::Failed:
         return Failed;
     }
-    std::thread watcher([&] {
-        if (signals.wait())
-            QMetaObject::invokeMethod(
-                &program, [&program] { program.quit(); }, Qt::QueuedConnection);
-    });
-    const int status = QCoreApplication::exec();
-    signals.cancel();
-    watcher.join();
-    return status;
+    return runEventLoop(signals, [&program] { program.quit(); });
 }
 
 } // namespace
@@ -49,7 +45,7 @@ int main(int argc, char** argv)
     StopSignals signals; // Before any thread.
     ignoreBrokenPipes();
     int status = 0;
-    const auto options = WindowOptions::fromCommandLine(argc, argv, &status);
+    const auto options = DesktopOptions::fromCommandLine(argc, argv, Help, &status);
     if (!options)
         return status;
     const bool isOwnHome = options->home.isEmpty() || options->home == HomeFolder::ofUser().path();

@@ -1,4 +1,4 @@
-#include "apps/window/WindowOptions.h"
+#include "apps/DesktopOptions.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -12,11 +12,6 @@ namespace {
 
 constexpr int WrongUse = 2;
 
-constexpr const char* description = "Watches web searches: keeps them fresh and shows what is new.\n"
-                                    "One window a user: a second start brings the first to the front.";
-
-constexpr const char* footer = "An interrupt or SIGTERM saves and ends it.\n";
-
 QString absolutePath(const std::string& argument)
 {
     const QString text = QFile::decodeName(argument.c_str());
@@ -27,16 +22,15 @@ QString absolutePath(const std::string& argument)
 
 } // namespace
 
-std::optional<WindowOptions> WindowOptions::fromCommandLine(int argc, char** argv, int* status)
+std::optional<DesktopOptions> DesktopOptions::fromCommandLine(int argc, char** argv, const Help& help, int* status)
 {
-    CLI::App app(description, "QuarrySpotter");
-    app.footer(footer);
+    CLI::App app(help.description, help.program);
+    app.footer(help.footer);
     app.set_version_flag("--version", QUARRY_VERSION);
     std::vector<std::string> files;
     std::string home;
-    app.add_option("files", files, "Exported files (.qsexport) or lists of searches (OPML) to import")
-        ->type_name("FILE");
-    app.add_option("--home", home, "Home folder to use (default: yours), also for what the window starts")
+    app.add_option("files", files, help.files)->type_name("FILE");
+    app.add_option("--home", home, "Home folder to use (default: yours), also for the programs that this one starts")
         ->type_name("DIR")
         ->check(CLI::ExistingDirectory);
     try {
@@ -45,7 +39,7 @@ std::optional<WindowOptions> WindowOptions::fromCommandLine(int argc, char** arg
         *status = app.exit(error) == 0 ? 0 : WrongUse;
         return std::nullopt;
     }
-    WindowOptions options;
+    DesktopOptions options;
     if (!home.empty())
         options.home = absolutePath(home);
     for (const std::string& file : files)
