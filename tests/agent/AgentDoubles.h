@@ -16,6 +16,8 @@
 
 namespace quarry::test {
 
+using namespace Qt::Literals::StringLiterals;
+
 class FakeProcesses final : public ProcessTable {
 public:
     explicit FakeProcesses(QStringList& notes) : _notes(notes) {}
@@ -26,7 +28,7 @@ public:
     }
     bool interrupt(std::int64_t processId) override
     {
-        _notes.append(QStringLiteral("interrupt %1").arg(processId));
+        _notes.append(u"interrupt %1"_s.arg(processId));
         return true;
     }
     bool terminate(std::int64_t) override { return false; }
@@ -49,16 +51,16 @@ private:
 class FakeWorkspace final : public Workspace {
 public:
     explicit FakeWorkspace(QStringList& notes) : _notes(notes) {}
-    bool openBundle(const QString& path) override { return note(QStringLiteral("open ") + path.section(u'/', -1)); }
+    bool openBundle(const QString& path) override { return note(u"open "_s + path.section(u'/', -1)); }
     bool openFile(const QString& path, const QString& bundle) override
     {
-        return note(QStringLiteral("open %1 with %2").arg(path, bundle.section(u'/', -1)));
+        return note(u"open %1 with %2"_s.arg(path, bundle.section(u'/', -1)));
     }
     bool openAddress(const QString&) override { return false; }
     bool launch(const QString& program, const QStringList& arguments) override
     {
         launched = arguments;
-        return note(QStringLiteral("launch ") + program.section(u'/', -1));
+        return note(u"launch "_s + program.section(u'/', -1));
     }
     bool moveToTrash(const QString&) override { return false; }
 
@@ -112,7 +114,7 @@ public:
 class FakeStatusItem final : public StatusItem {
 public:
     explicit FakeStatusItem(QStringList& notes) : _notes(notes) {}
-    void show() override { _notes.append(QStringLiteral("status item")); }
+    void show() override { _notes.append(u"status item"_s); }
     void setIcon(Icon icon) override { icons += icon == Icon::Plain ? u'.' : u'*'; }
     void setTitle(Tag item, const QString& title) override
     {
@@ -131,9 +133,8 @@ public:
     /// "45 minutes (refresh, open)": the title of the refresh item, and what can be chosen.
     [[nodiscard]] QString menu()
     {
-        return titles[Tag::Refresh] +
-               QStringLiteral(" (%1%2)").arg(enabled[Tag::Refresh] ? QStringLiteral("refresh") : QString(),
-                                             enabled[Tag::OpenApplication] ? QStringLiteral(" open") : QString());
+        return titles[Tag::Refresh] + u" (%1%2)"_s.arg(enabled[Tag::Refresh] ? u"refresh"_s : QString(),
+                                                       enabled[Tag::OpenApplication] ? u" open"_s : QString());
     }
 
     QString icons; ///< Every one that was set: "." plain, "*" highlighted.

@@ -15,6 +15,8 @@
 
 namespace quarry::test {
 
+using namespace Qt::Literals::StringLiterals;
+
 /// A property list with these entries.
 inline QByteArray plistOf(const PlistValue::Dictionary& entries)
 {
@@ -24,21 +26,19 @@ inline QByteArray plistOf(const PlistValue::Dictionary& entries)
 /// The texts of the agent, short enough to be read in a test.
 inline StringTable shortTexts(const QString& folder)
 {
-    const auto path = folder + QStringLiteral("/English.lproj");
+    const auto path = folder + u"/English.lproj"_s;
     EXPECT_TRUE(QDir().mkpath(path));
-    EXPECT_TRUE(
-        writeFile(path + QStringLiteral("/Localizable.strings"),
-                  plistOf({{QStringLiteral("100_Update menu disabled"), QStringLiteral("disabled")},
-                           {QStringLiteral("100_Updating menu string"), QStringLiteral("updating")},
-                           {QStringLiteral("100_Update menu string format"), QStringLiteral("%@ %@")},
-                           {QStringLiteral("100_Minutes"), QStringLiteral("min")},
-                           {QStringLiteral("100_Hours"), QStringLiteral("h")},
-                           {QStringLiteral("100_Not determinated"), QStringLiteral("unknown")},
-                           {QStringLiteral("113_New Queries Results"), QStringLiteral("New")},
-                           {QStringLiteral("113_Template string for queries result"), QStringLiteral("\n%ld for %@")},
-                           {QStringLiteral("113_Template string for queries result Singular form"),
-                            QStringLiteral("\n1 of %2$@")}})));
-    return {folder, {QStringLiteral("en")}};
+    EXPECT_TRUE(writeFile(path + u"/Localizable.strings"_s,
+                          plistOf({{u"100_Update menu disabled"_s, u"disabled"_s},
+                                   {u"100_Updating menu string"_s, u"updating"_s},
+                                   {u"100_Update menu string format"_s, u"%@ %@"_s},
+                                   {u"100_Minutes"_s, u"min"_s},
+                                   {u"100_Hours"_s, u"h"_s},
+                                   {u"100_Not determinated"_s, u"unknown"_s},
+                                   {u"113_New Queries Results"_s, u"New"_s},
+                                   {u"113_Template string for queries result"_s, u"\n%ld for %@"_s},
+                                   {u"113_Template string for queries result Singular form"_s, u"\n1 of %2$@"_s}})));
+    return {folder, {u"en"_s}};
 }
 
 /// The main application, the agent and its helpers as folders, without programs that could run.
@@ -46,20 +46,20 @@ class BundleFolders final {
 public:
     BundleFolders()
     {
-        EXPECT_TRUE(QDir().mkpath(agent() + QStringLiteral("/Contents/Resources/English.lproj")));
-        EXPECT_TRUE(QDir().mkpath(agent() + QStringLiteral("/Contents/bin")));
-        EXPECT_TRUE(writeFile(agent() + QStringLiteral("/Contents/Resources/appicon.icns"), "icon"));
-        EXPECT_TRUE(writeFile(agent() + QStringLiteral("/Contents/Info.plist"),
-                              plistOf({{QStringLiteral("CFBundleName"), QStringLiteral("QuarrySpotterAgent")},
-                                       {QStringLiteral("CFBundleVersion"), QStringLiteral("1.2.5")}})));
+        EXPECT_TRUE(QDir().mkpath(agent() + u"/Contents/Resources/English.lproj"_s));
+        EXPECT_TRUE(QDir().mkpath(agent() + u"/Contents/bin"_s));
+        EXPECT_TRUE(writeFile(agent() + u"/Contents/Resources/appicon.icns"_s, "icon"));
+        EXPECT_TRUE(
+            writeFile(agent() + u"/Contents/Info.plist"_s,
+                      plistOf({{u"CFBundleName"_s, u"QuarrySpotterAgent"_s}, {u"CFBundleVersion"_s, u"1.2.5"_s}})));
         EXPECT_TRUE(writeFile(helper(), "helper"));
         EXPECT_TRUE(QFile::setPermissions(helper(), QFile::ReadOwner | QFile::ExeOwner));
     }
     [[nodiscard]] QString agent() const
     {
-        return _folder.path() + QStringLiteral("/QuarrySpotter.app/Contents/Agents/QuarrySpotterAgent.app");
+        return _folder.path() + u"/QuarrySpotter.app/Contents/Agents/QuarrySpotterAgent.app"_s;
     }
-    [[nodiscard]] QString helper() const { return agent() + QStringLiteral("/Contents/bin/RelaunchApp"); }
+    [[nodiscard]] QString helper() const { return agent() + u"/Contents/bin/RelaunchApp"_s; }
 
 private:
     QTemporaryDir _folder;
@@ -76,16 +76,15 @@ protected:
     AgentRig()
     {
         setSystemLogSink([this](const QString& line) { log.append(line); });
-        processes.start(QStringLiteral("QuarrySpotterAge"), processes.ownProcessId());
+        processes.start(u"QuarrySpotterAge"_s, processes.ownProcessId());
         schedule({});
     }
     /// Automatic refresh every 10 minutes, the last one 5 minutes ago; entries given here take their place.
     void schedule(const PlistValue::Dictionary& changes)
     {
-        PlistValue::Dictionary entries{
-            {QStringLiteral("pref_automatic_ON"), true},
-            {QStringLiteral("pref_automatic_periodicity"), 10},
-            {QStringLiteral("pref_lastUpdate"), clock.now().secondsSinceReference() - 300.0}};
+        PlistValue::Dictionary entries{{u"pref_automatic_ON"_s, true},
+                                       {u"pref_automatic_periodicity"_s, 10},
+                                       {u"pref_lastUpdate"_s, clock.now().secondsSinceReference() - 300.0}};
         entries.insert(changes);
         ASSERT_TRUE(writeFile(home->scheduleFile(), plistOf(entries)));
     }
@@ -109,8 +108,8 @@ protected:
                 productLog,
                 texts,
                 texts,
-                [this] { notes.append(QStringLiteral("terminate")); },
-                [this] { notes.append(QStringLiteral("without main application")); }};
+                [this] { notes.append(u"terminate"_s); },
+                [this] { notes.append(u"without main application"_s); }};
     }
     /// Starts the agent.
     QSMenu& menu()
@@ -132,10 +131,10 @@ protected:
         }
     }
     QStringList takeNotes() { return std::exchange(notes, {}); }
-    [[nodiscard]] bool hasLeft() const { return notes.contains(QStringLiteral("terminate")); }
-    void startMainApp() { processes.start(QStringLiteral("QuarrySpotter"), 100); }
+    [[nodiscard]] bool hasLeft() const { return notes.contains(u"terminate"_s); }
+    void startMainApp() { processes.start(u"QuarrySpotter"_s, 100); }
     void endMainApp() { processes.end(100); }
-    void startUpdater() { processes.start(QStringLiteral("QuarrySpotterUpd"), 200); }
+    void startUpdater() { processes.start(u"QuarrySpotterUpd"_s, 200); }
     void endUpdater() { processes.end(200); }
 
     int osVersion = 101500;

@@ -168,14 +168,6 @@ TEST_F(AgentLife, ChecksForUpdatesOnceAndQuietly)
     EXPECT_EQ(updates.checks, 1);
 }
 
-TEST_F(AgentLife, MakesNoCheckThatIsNotWanted)
-{
-    schedule({{u"pref_checkForUpdates"_s, false}});
-    menu();
-    pass(60);
-    EXPECT_EQ(updates.checks, 0);
-}
-
 TEST_F(AgentLife, OffersANewVersionThroughTheMainApplication)
 {
     menu();

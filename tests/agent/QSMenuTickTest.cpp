@@ -119,6 +119,11 @@ TEST_F(AgentTicks, TheListGoesDuringARefreshAndComesBackFresh)
     pass(2);
     EXPECT_EQ(statusItem.info, u"\n5 for tea"_s);
     EXPECT_EQ(notifications.bodies.last(), u"\n5 for tea"_s);
+    startMainApp();
+    pass(1);
+    EXPECT_FALSE(statusItem.info) << "nor while the main application is open";
+    EXPECT_TRUE(notifications.shown.isEmpty());
+    EXPECT_TRUE(statusItem.icons.endsWith(u'.'));
 }
 
 TEST_F(AgentTicks, GoOnWhileTheDatabaseIsReadAndShowNoOldList)
@@ -176,18 +181,6 @@ TEST_F(AgentTicks, AListThatComesTooLateIsNotShown)
     EXPECT_EQ(notifications.bodies, QStringList());
 }
 
-TEST_F(AgentTicks, TheListGoesWhileTheMainApplicationIsOpen)
-{
-    results.queries = {{1, u"tea"_s, {}}};
-    menu();
-    pass(2);
-    startMainApp();
-    pass(1);
-    EXPECT_FALSE(statusItem.info);
-    EXPECT_TRUE(notifications.shown.isEmpty());
-    EXPECT_TRUE(statusItem.icons.endsWith(u'.'));
-}
-
 TEST_F(AgentTicks, NoNotificationIsAddedToOneThatIsStillThere)
 {
     results.queries = {{1, u"tea"_s, {}}};
@@ -219,6 +212,7 @@ TEST_F(AgentTicks, AskLittleAndTouchTheMenuOnlyForAChange)
     EXPECT_EQ(results.looks, looks + 20) << "the database every sixth second";
     EXPECT_EQ(statusItem.titlesSet, titles + 2) << "5, 4, 3 minutes";
     EXPECT_EQ(files.replacements, 0);
+    EXPECT_EQ(updates.checks, 0) << "not wanted";
 }
 
 } // namespace

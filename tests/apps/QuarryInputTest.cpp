@@ -174,18 +174,6 @@ TEST(QuarryInput, ADatabaseThatMakesNoSenseIsToldAndLeftAlone)
     }
 }
 
-TEST(QuarryInput, ADatabaseThatCannotBeReadIsLeftAlone)
-{
-    const TemporaryHome home;
-    ASSERT_TRUE(QDir().mkpath(home->databaseFile()));
-    for (const QStringList& arguments : {QStringList{u"list"_s}, {u"add"_s, u"x"_s}}) {
-        const Ran ran = runQuarry(home.path(), arguments);
-        EXPECT_EQ(ran.status, 1);
-        EXPECT_TRUE(ran.err.contains(u"the database cannot be read"_s)) << ran.err.toStdString();
-    }
-    EXPECT_TRUE(QDir(home->databaseFile()).exists());
-}
-
 TEST(QuarryInput, HostileTextsDoNotDriveTheTerminal)
 {
     const TemporaryHome home;

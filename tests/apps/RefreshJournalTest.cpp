@@ -3,6 +3,8 @@
 #include "support/OwnDatabase.h"
 
 namespace quarry::test {
+
+using namespace Qt::Literals::StringLiterals;
 namespace {
 
 class RefreshJournalTest : public ::testing::Test, protected OwnDatabase {
@@ -39,27 +41,27 @@ protected:
 
 TEST_F(RefreshJournalTest, SavesNowAndThenAndMergesIntoWhatOthersSaved)
 {
-    edit([](Engine& engine) { engine.addQuery(QStringLiteral("bees"), false); });
+    edit([](Engine& engine) { engine.addQuery(u"bees"_s, false); });
     const std::unique_ptr<Engine> database = openDatabase();
     RefreshJournal journal(*database, progress, {}, std::chrono::milliseconds(1));
     const Date date = clock.now();
-    const BroughtUpdate first = update(database->queries()->at(0), QStringLiteral("http://h/1"), date);
+    const BroughtUpdate first = update(database->queries()->at(0), u"http://h/1"_s, date);
     journal.add(first);
-    waitForEvent(QStringLiteral("saved"));
+    waitForEvent(u"saved"_s);
     EXPECT_EQ(inFile()->results()->size(), 1);
 
-    rename(QStringLiteral("Bees"));
+    rename(u"Bees"_s);
     // As if the save in between had come before the first entry: the links are in the file, and still new.
     journal.add(first);
-    waitForEvent(QStringLiteral("saved"));
+    waitForEvent(u"saved"_s);
     EXPECT_EQ(inFile()->results()->at(0).newSincePrevious(), true);
-    EXPECT_EQ(inFile()->title(), QStringLiteral("Bees"));
+    EXPECT_EQ(inFile()->title(), u"Bees"_s);
 
-    const BroughtUpdate second = update(database->queries()->at(0), QStringLiteral("http://h/2"), date.plusSeconds(1));
-    rename(QStringLiteral("BEES"));
+    const BroughtUpdate second = update(database->queries()->at(0), u"http://h/2"_s, date.plusSeconds(1));
+    rename(u"BEES"_s);
     journal.add(second);
     EXPECT_TRUE(journal.finish());
-    EXPECT_EQ(inFile()->title(), QStringLiteral("BEES"));
+    EXPECT_EQ(inFile()->title(), u"BEES"_s);
     EXPECT_EQ(inFile()->results()->size(), 2);
     EXPECT_EQ(inFile()->date(), second.date);
 }

@@ -20,6 +20,8 @@
 
 namespace quarry::test {
 
+using namespace Qt::Literals::StringLiterals;
+
 /// Version 1 of the product installed in a folder, version 2 made by the maker's tool and served from this machine,
 /// a user's home folder, and a desktop that notes what it is asked for. Programs are the built ones, without what only
 /// a debugger reads.
@@ -27,9 +29,9 @@ class SoftwareUpdateRig {
 public:
     SoftwareUpdateRig() : server(std::make_unique<ScriptServer>())
     {
-        const QString made = output(QStringLiteral(QUARRY_RELEASE), {QStringLiteral("key"), _keyFile});
+        const QString made = output(QStringLiteral(QUARRY_RELEASE), {u"key"_s, _keyFile});
         _publicKey = made.section(u' ', -1).trimmed().toLatin1();
-        writeScript(_tools.filePath(QStringLiteral("xdg-open")), "echo \"$1\" >>\"$HOME/browser\"");
+        writeScript(_tools.filePath(u"xdg-open"_s), "echo \"$1\" >>\"$HOME/browser\"");
         makeBundle(installed, "1.0");
         serveVersion2();
     }
@@ -37,35 +39,33 @@ public:
     /// A bundle in which the main application only notes that it was started, and the agent does, too.
     void makeBundle(const QString& path, const QByteArray& version) const
     {
-        const QString contents = path + QStringLiteral("/Contents/");
-        const QString agent = contents + QStringLiteral("Agents/QuarrySpotterAgent.app/Contents/");
-        QDir().mkpath(contents + QStringLiteral("bin"));
-        QDir().mkpath(agent + QStringLiteral("bin"));
-        QDir().mkpath(contents + QStringLiteral("Resources"));
-        writeFile(contents + QStringLiteral("Info.plist"), infoOf("QuarrySpotter", version));
-        writeFile(agent + QStringLiteral("Info.plist"), infoOf("QuarrySpotterAgent", version));
-        writeScript(contents + QStringLiteral("bin/QuarrySpotter"), "echo " + version + " >>\"$HOME/started\"");
-        writeScript(agent + QStringLiteral("bin/QuarrySpotterAgent"), "echo " + version + " >>\"$HOME/agents\"");
+        const QString contents = path + u"/Contents/"_s;
+        const QString agent = contents + u"Agents/QuarrySpotterAgent.app/Contents/"_s;
+        QDir().mkpath(contents + u"bin"_s);
+        QDir().mkpath(agent + u"bin"_s);
+        QDir().mkpath(contents + u"Resources"_s);
+        writeFile(contents + u"Info.plist"_s, infoOf("QuarrySpotter", version));
+        writeFile(agent + u"Info.plist"_s, infoOf("QuarrySpotterAgent", version));
+        writeScript(contents + u"bin/QuarrySpotter"_s, "echo " + version + " >>\"$HOME/started\"");
+        writeScript(agent + u"bin/QuarrySpotterAgent"_s, "echo " + version + " >>\"$HOME/agents\"");
         for (const char* program : {"quarry", "DiskImageTool"})
             QProcess::execute(QStringLiteral(QUARRY_STRIP),
-                              {QStringLiteral("-o"), contents + QStringLiteral("bin/") + QLatin1String(program),
+                              {u"-o"_s, contents + u"bin/"_s + QLatin1String(program),
                                QStringLiteral(QUARRY_BUNDLE_DIR "/bin/") + QLatin1String(program)});
         const QString resources = QStringLiteral(QUARRY_BUNDLE_DIR "/Resources/English.lproj");
-        QProcess::execute(QStringLiteral("cp"),
-                          {QStringLiteral("-R"), resources, contents + QStringLiteral("Resources/")});
+        QProcess::execute(u"cp"_s, {u"-R"_s, resources, contents + u"Resources/"_s});
     }
 
     /// As the maker publishes it. Images are mounted under a name in a shared folder: the number keeps tests apart.
     void serveVersion2()
     {
         const QTemporaryDir maker;
-        const QString bundle = maker.filePath(QStringLiteral("QuarrySpotter.app"));
+        const QString bundle = maker.filePath(u"QuarrySpotter.app"_s);
         makeBundle(bundle, newVersion);
         output(QStringLiteral(QUARRY_RELEASE),
-               {QStringLiteral("make"), bundle, QStringLiteral("--key"), _keyFile, QStringLiteral("--output"),
-                maker.path(), QStringLiteral("--page"), QStringLiteral("https://updates.example/page"),
-                QStringLiteral("--url"), QString::fromLatin1(server->address(""))});
-        server->reply = contentOf(maker.filePath(QStringLiteral("update-reply.txt")));
+               {u"make"_s, bundle, u"--key"_s, _keyFile, u"--output"_s, maker.path(), u"--page"_s,
+                u"https://updates.example/page"_s, u"--url"_s, QString::fromLatin1(server->address(""))});
+        server->reply = contentOf(maker.filePath(u"update-reply.txt"_s));
         for (const QByteArray& file : {image, image + ".sig"})
             server->files[file] = contentOf(maker.path() + QString::fromLatin1(file));
     }
@@ -82,10 +82,10 @@ public:
     {
         auto process = std::make_unique<QProcess>();
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("HOME"), home.path());
-        environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
-        environment.insert(QStringLiteral("PATH"), _tools.path() + u':' + environment.value(QStringLiteral("PATH")));
-        environment.insert(QStringLiteral("DISPLAY"), QStringLiteral(":nowhere"));
+        environment.insert(u"HOME"_s, home.path());
+        environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
+        environment.insert(u"PATH"_s, _tools.path() + u':' + environment.value(u"PATH"_s));
+        environment.insert(u"DISPLAY"_s, u":nowhere"_s);
         for (const char* name : {"XDG_DATA_HOME", "XDG_RUNTIME_DIR", "QUARRY_DEBUG", "LANGUAGE"})
             environment.remove(QLatin1String(name));
         process->setProcessEnvironment(environment);
@@ -94,7 +94,7 @@ public:
     }
     [[nodiscard]] Ran update(const QStringList& arguments) const
     {
-        return ended(*start(quarry(), QStringList{QStringLiteral("update")} + arguments));
+        return ended(*start(quarry(), QStringList{u"update"_s} + arguments));
     }
     [[nodiscard]] static Ran ended(QProcess& process)
     {
@@ -102,13 +102,13 @@ public:
         return {isEnded ? process.exitCode() : -1, QString::fromUtf8(process.readAllStandardOutput()),
                 QString::fromUtf8(process.readAllStandardError())};
     }
-    [[nodiscard]] QString quarry() const { return installed + QStringLiteral("/Contents/bin/quarry"); }
+    [[nodiscard]] QString quarry() const { return installed + u"/Contents/bin/quarry"_s; }
 
     /// What the installed main application says when it is started.
     [[nodiscard]] QByteArray startedVersion() const
     {
         QFile::remove(inHome("started"));
-        (void)ended(*start(installed + QStringLiteral("/Contents/bin/QuarrySpotter"), {}));
+        (void)ended(*start(installed + u"/Contents/bin/QuarrySpotter"_s, {}));
         return contentOf(inHome("started")).trimmed();
     }
     [[nodiscard]] QString inHome(const char* name) const { return home.path() + u'/' + QLatin1String(name); }
@@ -120,9 +120,9 @@ public:
     [[nodiscard]] QStringList leftOver() const
     {
         QStringList names = namesIn(QFileInfo(installed).path());
-        names.removeAll(QStringLiteral("QuarrySpotter.app"));
+        names.removeAll(u"QuarrySpotter.app"_s);
         return names + namesIn(inHome("Downloads")) +
-               namesIn(QStringLiteral("/tmp"), {QStringLiteral("QuarrySpotter-%1*").arg(QLatin1String(newVersion))});
+               namesIn(u"/tmp"_s, {u"QuarrySpotter-%1*"_s.arg(QLatin1String(newVersion))});
     }
 
 private:
@@ -157,13 +157,13 @@ private:
     QCoreApplication _application{_argumentCount, _arguments}; ///< For its event loop.
     QTemporaryDir _tools;
     QTemporaryDir _place;
-    QString _keyFile = _tools.filePath(QStringLiteral("release.key"));
+    QString _keyFile = _tools.filePath(u"release.key"_s);
     QByteArray _publicKey;
 
 public:
     TemporaryHome home;
     SessionBusDaemon bus;
-    QString installed = _place.filePath(QStringLiteral("QuarrySpotter.app"));
+    QString installed = _place.filePath(u"QuarrySpotter.app"_s);
     QByteArray newVersion = "2." + QByteArray::number(QCoreApplication::applicationPid());
     QByteArray image = "/QuarrySpotter-" + newVersion + ".iso";
     std::unique_ptr<ScriptServer> server;

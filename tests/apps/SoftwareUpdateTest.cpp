@@ -177,17 +177,4 @@ TEST(SoftwareUpdate, NeedsRoomForTheNewVersionBesideTheOldOne)
     expectVersion1AndNothingElse(rig);
 }
 
-TEST(SoftwareUpdate, LeavesNothingOfADownloadThatDoesNotFit)
-{
-    SoftwareUpdateRig rig;
-    const SmallDisk disk(rig.server->files[rig.image].size() / 2);
-    if (!disk.isThere())
-        GTEST_SKIP() << "this user may not mount a small disk";
-    ASSERT_TRUE(QFile::link(disk.path(), rig.inHome("Downloads")));
-    const Ran ran = rig.update({u"--install"_s});
-    EXPECT_EQ(ran.status, 1);
-    EXPECT_TRUE(ran.err.contains(u"cannot be written"_s)) << ran.err.toStdString();
-    expectVersion1AndNothingElse(rig);
-}
-
 } // namespace

@@ -19,6 +19,8 @@
 
 namespace quarry::test {
 
+using namespace Qt::Literals::StringLiterals;
+
 /// The five services on loopback, one page a query. Some can be made to keep their clients waiting.
 class LoopbackServices final {
 public:
@@ -103,10 +105,9 @@ protected:
         PlistValue::Dictionary entries;
         for (const SearchService service : AllSearchServices) {
             entries.insert(searchServiceName(service),
-                           PlistValue::Dictionary{
-                               {QStringLiteral("scheme"), QStringLiteral("http")},
-                               {QStringLiteral("host"), QStringLiteral("127.0.0.1")},
-                               {QStringLiteral("port"), qint64(down.count(service) != 0 ? 1 : services.port())}});
+                           PlistValue::Dictionary{{u"scheme"_s, u"http"_s},
+                                                  {u"host"_s, u"127.0.0.1"_s},
+                                                  {u"port"_s, qint64(down.count(service) != 0 ? 1 : services.port())}});
         }
         EXPECT_TRUE(writeFile(home->searchServicesFile(), writeXmlPropertyList(entries)));
     }
@@ -135,7 +136,7 @@ protected:
     void start(QProcess& process, const QStringList& arguments)
     {
         process.start(QStringLiteral(QUARRY_UPDATER_BUNDLE_DIR "/bin/QuarrySpotterUpdater"),
-                      QStringList{QStringLiteral("--home"), home.path()} + arguments);
+                      QStringList{u"--home"_s, home.path()} + arguments);
         EXPECT_TRUE(process.waitForStarted());
     }
     /// Reads events until one, or one that was read before, has these values; false when the program ends first.
@@ -179,9 +180,8 @@ protected:
     {
         QStringList lines;
         for (const QJsonObject& event : ended.events) {
-            if (event[u"event"] == QStringLiteral("query-finished"))
-                lines.append(QStringLiteral("%1 %2 %3")
-                                 .arg(event[u"title"].toString(), event[u"outcome"].toString())
+            if (event[u"event"] == u"query-finished"_s)
+                lines.append(u"%1 %2 %3"_s.arg(event[u"title"].toString(), event[u"outcome"].toString())
                                  .arg(event[u"added"].toInt()));
         }
         lines.sort();

@@ -18,6 +18,8 @@
 
 namespace quarry::test {
 
+using namespace Qt::Literals::StringLiterals;
+
 /// The real files, until they are told to fail.
 class FailingBundleFiles final : public BundleFiles {
 public:
@@ -34,7 +36,7 @@ public:
     QString copy(const QString& from, const QString& to) override
     {
         const QString error = _disk.copy(from, to);
-        return failCopy ? QStringLiteral("No space left on device") : error;
+        return failCopy ? u"No space left on device"_s : error;
     }
     bool rename(const QString& from, const QString& to) override { return !failRename && _disk.rename(from, to); }
     std::optional<QString> moveToTrash(const QString& path) override
@@ -57,22 +59,22 @@ public:
         qunsetenv("XDG_DATA_HOME");
         makeBundle(installed, "1.0");
         QFile::copy(QStringLiteral(QUARRY_BUNDLE_DIR "/bin/DiskImageTool"),
-                    installed + QStringLiteral("/Contents/bin/DiskImageTool"));
+                    installed + u"/Contents/bin/DiskImageTool"_s);
         serveVersion(newVersion);
     }
 
     static void makeBundle(const QString& path, const QByteArray& version)
     {
-        const QString contents = path + QStringLiteral("/Contents/");
-        QDir().mkpath(contents + QStringLiteral("bin"));
-        QDir().mkpath(contents + QStringLiteral("Resources/English.lproj"));
-        const QString agent = contents + QStringLiteral("Agents/QuarrySpotterAgent.app/Contents/bin/");
+        const QString contents = path + u"/Contents/"_s;
+        QDir().mkpath(contents + u"bin"_s);
+        QDir().mkpath(contents + u"Resources/English.lproj"_s);
+        const QString agent = contents + u"Agents/QuarrySpotterAgent.app/Contents/bin/"_s;
         QDir().mkpath(agent);
-        QFile::copy(QStringLiteral("/bin/true"), agent + QStringLiteral("RelaunchApp"));
-        writeFile(contents + QStringLiteral("Info.plist"),
+        QFile::copy(u"/bin/true"_s, agent + u"RelaunchApp"_s);
+        writeFile(contents + u"Info.plist"_s,
                   "<plist version=\"1.0\"><dict><key>CFBundleVersion</key><string>" + version +
                       "</string><key>CFBundleExecutable</key><string>QuarrySpotter</string></dict></plist>");
-        const QString program = contents + QStringLiteral("bin/QuarrySpotter");
+        const QString program = contents + u"bin/QuarrySpotter"_s;
         writeFile(program, "#!/bin/sh\necho " + version + '\n');
         QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     }
@@ -80,13 +82,13 @@ public:
     void serveVersion(const QByteArray& version)
     {
         const QTemporaryDir made;
-        const QString bundle = made.filePath(QStringLiteral("QuarrySpotter.app"));
+        const QString bundle = made.filePath(u"QuarrySpotter.app"_s);
         makeBundle(bundle, version);
         serveImageOf(bundle);
     }
     void serveImageOf(const QString& folder)
     {
-        const QString made = home.path() + QStringLiteral("/made.iso");
+        const QString made = home.path() + u"/made.iso"_s;
         EXPECT_EQ(writeImage(folder, made).toStdString(), "");
         serveImage(contentOf(made));
         QFile::remove(made);
@@ -99,7 +101,7 @@ public:
     }
     [[nodiscard]] QByteArray installedVersion() const
     {
-        return contentOf(installed + QStringLiteral("/Contents/bin/QuarrySpotter"));
+        return contentOf(installed + u"/Contents/bin/QuarrySpotter"_s);
     }
     static QStringList namesIn(const QString& folder)
     {
@@ -108,7 +110,7 @@ public:
 
     TemporaryHome home;
     QTemporaryDir place; ///< Nothing else is in it than what is installed.
-    QString installed = place.filePath(QStringLiteral("QuarrySpotter.app"));
+    QString installed = place.filePath(u"QuarrySpotter.app"_s);
     QByteArray newVersion;
     QByteArray image = "/QS-" + newVersion + ".iso";
     SigningKey key = *makeSigningKey();
@@ -120,7 +122,7 @@ class InstallRig : public MakerRig {
 public:
     InstallRig() : MakerRig("2.0")
     {
-        product.version = QStringLiteral("1.0");
+        product.version = u"1.0"_s;
         product.bundlePath = installed;
         product.osVersion = 120400;
         product.publicKey = key.publicKey;
@@ -134,7 +136,7 @@ public:
         updater = std::make_unique<LXUpdater>(
             UpdaterParts{product, clock, events, notifications, defaults, alerts, texts, makeUpdateLoader,
                          [this] { return std::make_unique<FakeUpdaterWindow>(window); }, &parts});
-        updater->setProductReference(QStringLiteral("QS1"));
+        updater->setProductReference(u"QS1"_s);
         updater->setCanWarnUser(true);
         updater->setInstallationEndedHandler([this](UpdateInstallation::End e) { end = e; });
         updater->checkVersionAsynchronous();
@@ -153,12 +155,12 @@ public:
         });
     }
 
-    [[nodiscard]] QString trash() const { return home.path() + QStringLiteral("/.local/share/Trash/files"); }
+    [[nodiscard]] QString trash() const { return home.path() + u"/.local/share/Trash/files"_s; }
     /// What should not be there any more: beside the bundle, among the downloads, where images are mounted.
     [[nodiscard]] QStringList leftOver() const
     {
         QStringList names = namesIn(place.path());
-        names.removeAll(QStringLiteral("QuarrySpotter.app"));
+        names.removeAll(u"QuarrySpotter.app"_s);
         return names + namesIn(parts.downloadsFolder) + namesIn(_mounts.path());
     }
 
@@ -166,7 +168,7 @@ private:
     QTemporaryDir _mounts;
 
 public:
-    QString mountFolder = _mounts.filePath(QStringLiteral("QS-2.0"));
+    QString mountFolder = _mounts.filePath(u"QS-2.0"_s);
     ProductInfo product;
     SettableClock clock;
     EagerTimers events;
@@ -187,7 +189,7 @@ public:
             using std::chrono::milliseconds;
             return makeUpdateDownloader({milliseconds(500), milliseconds(2000), milliseconds(20000), 1 << 24, 3});
         },
-        home.path() + QStringLiteral("/Downloads"),
+        home.path() + u"/Downloads"_s,
         _mounts.path(),
         [this] { terminated = true; },
         {}};

@@ -138,6 +138,7 @@ TEST_F(LXUpdaterTest, DecidesByVersionSystemAndWhoAsked)
         EXPECT_EQ(updater->checkudatesWithVersionInPhp(c.infos), c.end) << c.name;
         EXPECT_EQ(window.offers.size(), c.offers) << c.name;
         EXPECT_EQ(alerts.titles(), c.alert ? QStringList{QString::fromUtf8(c.alert)} : QStringList()) << c.name;
+        EXPECT_EQ(alerts.fronts, c.offers > 0 || c.alert == noNews ? 1 : 0) << c.name;
         EXPECT_EQ(notifications.names.size(), c.announced ? 1 : 0) << c.name;
     }
 }
@@ -177,19 +178,6 @@ TEST_F(LXUpdaterTest, OffersOnceADayUnlessAsked)
     EXPECT_EQ(offersAfter(10), 4U);
     updater->setManualUpdate(false);
     EXPECT_EQ(offersAfter(-200000), 5U) << "the clock was set back";
-}
-
-TEST_F(LXUpdaterTest, ManualCheckIsSentWithoutLogAndTold)
-{
-    answer("1.2.5;101500;https://a.example/p;https://a.example/q.iso");
-    const auto updater = make();
-    updater->setManualUpdate(true);
-    updater->checkVersionAsynchronous();
-    ASSERT_TRUE(waitForEnd());
-    EXPECT_TRUE(requests.front().endsWith(RequestCoding::asciiToHexa(u"|NOLOG"_s).toLatin1()))
-        << requests.front().constData();
-    EXPECT_EQ(alerts.titles(), QStringList{u"Updater_1.0_No new version title"_s});
-    EXPECT_EQ(alerts.fronts, 1);
 }
 
 TEST_F(LXUpdaterTest, EndsQuietlyWithoutAUsableReply)

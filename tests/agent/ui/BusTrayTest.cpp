@@ -7,15 +7,16 @@
 #include <gtest/gtest.h>
 
 using namespace quarry;
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
 /// A desktop's bar on the session bus: another process, since programs wait for its answers.
 class FakeBar final {
 public:
-    explicit FakeBar(const QStringList& arguments = {QStringLiteral("--host")})
+    explicit FakeBar(const QStringList& arguments = {u"--host"_s})
     {
-        _process.start(QCoreApplication::applicationFilePath(), QStringList{QStringLiteral("--fake-bar")} + arguments);
+        _process.start(QCoreApplication::applicationFilePath(), QStringList{u"--fake-bar"_s} + arguments);
     }
     ~FakeBar()
     {
@@ -47,13 +48,12 @@ private:
 QStringList labelsOf(const QString& item)
 {
     QProcess asking;
-    asking.start(QStringLiteral("dbus-send"),
-                 {QStringLiteral("--session"), QStringLiteral("--print-reply"), QStringLiteral("--dest=") + item,
-                  QStringLiteral("/MenuBar"), QStringLiteral("com.canonical.dbusmenu.GetLayout"),
-                  QStringLiteral("int32:0"), QStringLiteral("int32:-1"), QStringLiteral("array:string:label")});
+    asking.start(u"dbus-send"_s,
+                 {u"--session"_s, u"--print-reply"_s, u"--dest="_s + item, u"/MenuBar"_s,
+                  u"com.canonical.dbusmenu.GetLayout"_s, u"int32:0"_s, u"int32:-1"_s, u"array:string:label"_s});
     EXPECT_TRUE(happens([&] { return asking.state() == QProcess::NotRunning; }));
     const QString reply = QString::fromUtf8(asking.readAllStandardOutput());
-    static const QRegularExpression label(QStringLiteral("\"label\"\\s+variant\\s+string \"([^\"]*)\""));
+    static const QRegularExpression label(u"\"label\"\\s+variant\\s+string \"([^\"]*)\""_s);
     QStringList labels;
     for (auto match = label.globalMatch(reply); match.hasNext();)
         labels.append(match.next().captured(1));
@@ -84,12 +84,11 @@ TEST(BusTray, HandsOutPlainRowsAndTellsOnlyOfChanges)
     rig.item.setInfo(TrayRig::news());
     rig.item.show();
     const QString item = bar.item();
-    const QStringList fixed = {QStringLiteral("Open QuarrySpotter"), QStringLiteral("Refresh Now (next in 12 min)"),
-                               QStringLiteral("Quit QuarrySpotter Agent…")};
+    const QStringList fixed = {u"Open QuarrySpotter"_s, u"Refresh Now (next in 12 min)"_s,
+                               u"Quit QuarrySpotter Agent…"_s};
     // An underscore marks the letter behind it, as "&" does elsewhere.
-    const QStringList rows = {QStringLiteral("New Results"),
-                              QStringLiteral("12 new results for mountain water _& springs & a__b"),
-                              QStringLiteral("1 new result for sourdough")};
+    const QStringList rows = {u"New Results"_s, u"12 new results for mountain water _& springs & a__b"_s,
+                              u"1 new result for sourdough"_s};
     EXPECT_EQ(labelsOf(item), fixed + rows);
 
     const TrayEar ear(item);
@@ -102,10 +101,10 @@ TEST(BusTray, HandsOutPlainRowsAndTellsOnlyOfChanges)
     rig.item.setIcon(StatusItem::Icon::Highlighted);
     ASSERT_TRUE(happens([&] { return ear.icons > 0; }));
     EXPECT_EQ(std::tuple(ear.titles, ear.layouts, ear.icons), std::tuple(0, 0, 1));
-    rig.item.setTitle(StatusItem::Tag::Refresh, QStringLiteral("Now"));
+    rig.item.setTitle(StatusItem::Tag::Refresh, u"Now"_s);
     EXPECT_TRUE(happens([&] { return ear.titles > 0; }));
     rig.item.removeInfo();
-    EXPECT_TRUE(happens([&] { return labelsOf(item) == QStringList({fixed[0], QStringLiteral("Now"), fixed[2]}); }));
+    EXPECT_TRUE(happens([&] { return labelsOf(item) == QStringList({fixed[0], u"Now"_s, fixed[2]}); }));
 }
 
 TEST(BusTray, PopsUpTheDrawnMenuOnAClickWhereItCan)
@@ -113,11 +112,9 @@ TEST(BusTray, PopsUpTheDrawnMenuOnAClickWhereItCan)
     FakeBar bar;
     TrayRig rig;
     rig.item.show();
-    const DesktopProgram click(QStringLiteral("dbus-send"),
-                               {QStringLiteral("--session"), QStringLiteral("--type=method_call"),
-                                QStringLiteral("--dest=") + bar.item(), QStringLiteral("/StatusNotifierItem"),
-                                QStringLiteral("org.kde.StatusNotifierItem.Activate"), QStringLiteral("int32:5"),
-                                QStringLiteral("int32:5")});
+    const DesktopProgram click(u"dbus-send"_s, {u"--session"_s, u"--type=method_call"_s, u"--dest="_s + bar.item(),
+                                                u"/StatusNotifierItem"_s, u"org.kde.StatusNotifierItem.Activate"_s,
+                                                u"int32:5"_s, u"int32:5"_s});
     EXPECT_TRUE(happens([&] { return rig.item.menu().isVisible(); }));
 }
 

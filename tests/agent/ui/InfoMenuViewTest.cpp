@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 using namespace quarry;
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -29,7 +30,7 @@ QImage painted(InfoMenuView& view, QSize size)
     image.fill(Background);
     view.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
     if (const QString folder = qEnvironmentVariable("QUARRY_SCREENSHOTS"); !folder.isEmpty())
-        image.save(folder + QStringLiteral("/info-view-%1.png").arg(size.width()));
+        image.save(folder + u"/info-view-%1.png"_s.arg(size.width()));
     return image;
 }
 
@@ -50,28 +51,26 @@ TEST(InfoMenuView, TakesTheSizeOfItsTextAndKeepsItWithoutText)
 {
     InfoMenuView view;
     const QFontMetricsF metrics(view.font());
-    const QString heading = QStringLiteral("New Results and a heading that is the longest");
-    view.setText({heading,
-                  {line(QStringLiteral("3 new: "), QStringLiteral("tea")),
-                   line(QStringLiteral("1 new: "), QStringLiteral("a"))}});
+    const QString heading = u"New Results and a heading that is the longest"_s;
+    view.setText({heading, {line(u"3 new: "_s, u"tea"_s), line(u"1 new: "_s, u"a"_s)}});
     const QSize expected(int(std::ceil(metrics.horizontalAdvance(heading))) + 4,
                          int(std::ceil(metrics.lineSpacing() * 3)) + 8);
     EXPECT_NEAR(view.sizeHint().width(), expected.width(), 1);
     EXPECT_EQ(view.sizeHint().height(), expected.height());
     EXPECT_EQ(view.size(), view.sizeHint());
     EXPECT_EQ(view.widthForWholeText(), view.sizeHint().width() + 24);
-    EXPECT_EQ(view.accessibleName(), heading + QStringLiteral("\n3 new: tea\n1 new: a"));
+    EXPECT_EQ(view.accessibleName(), heading + u"\n3 new: tea\n1 new: a"_s);
     const QSize before = view.size();
     view.setText({});
     EXPECT_EQ(view.size(), before);
-    view.setText({heading, {line(QString(), QStringLiteral("two\nrows"))}});
+    view.setText({heading, {line(QString(), u"two\nrows"_s)}});
     EXPECT_EQ(view.size().height(), expected.height()) << "a line end inside a title begins a row";
 }
 
 TEST(InfoMenuView, DrawsABubbleThatGetsLighterUpwards)
 {
     InfoMenuView view;
-    view.setText({QStringLiteral("i"), {}});
+    view.setText({u"i"_s, {}});
     const QImage image = painted(view, {300, 60});
     // The bubble is inset by 4 and 2, its corners are round.
     EXPECT_EQ(pixelsLike(Background, image, QRect(0, 0, 300, 1), 0), 300);
@@ -93,8 +92,8 @@ TEST(InfoMenuView, DrawsABubbleThatGetsLighterUpwards)
 TEST(InfoMenuView, CentersAndUnderlinesTheHeadingAndSlantsTitles)
 {
     InfoMenuView view;
-    const QString bars = QStringLiteral("lllllllll");
-    view.setText({QStringLiteral("News"), {line(bars, QString()), line(QString(), bars)}});
+    const QString bars = u"lllllllll"_s;
+    view.setText({u"News"_s, {line(bars, QString()), line(QString(), bars)}});
     const QImage image = painted(view, {400, view.sizeHint().height()});
     const auto [left, right] = whiteSpan(image, view.font(), 0);
     EXPECT_NEAR(left + right, 400, 6) << "in the middle";
@@ -112,14 +111,14 @@ TEST(InfoMenuView, CutsAtTheTailWhatDoesNotFit)
 {
     InfoMenuView view;
     const QString title(200, u'W');
-    view.setText({QStringLiteral("News"), {line(QStringLiteral("3 new: "), title), line(title, title)}});
+    view.setText({u"News"_s, {line(u"3 new: "_s, title), line(title, title)}});
     const QImage image = painted(view, {200, view.sizeHint().height()});
     for (const int row : {1, 2}) {
         const auto [left, right] = whiteSpan(image, view.font(), row);
         EXPECT_LE(right, 200 - 14 + 1);
         EXPECT_GT(right, 150) << "the space is used";
     }
-    view.setText({QStringLiteral("News"), {line(QStringLiteral("3 new: "), QStringLiteral("tea"))}});
+    view.setText({u"News"_s, {line(u"3 new: "_s, u"tea"_s)}});
     EXPECT_FALSE(painted(view, {1, 1}).isNull());
 }
 

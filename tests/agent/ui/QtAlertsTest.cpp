@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 using namespace quarry;
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -32,9 +33,7 @@ QPushButton* buttonNamed(const QMessageBox& box, const QString& text)
 }
 
 constexpr int Closed = -1;
-const Alerts::Alert Quit = {QStringLiteral("Quit <b>?"),
-                            QStringLiteral("No <i>more</i> refreshes"),
-                            {QStringLiteral("Quit"), QStringLiteral("More & more"), QStringLiteral("Cancel")}};
+const Alerts::Alert Quit = {u"Quit <b>?"_s, u"No <i>more</i> refreshes"_s, {u"Quit"_s, u"More & more"_s, u"Cancel"_s}};
 
 TEST(QtAlerts, AnswerWithTheButtonOrTheLastOneWhenClosed)
 {
@@ -51,7 +50,7 @@ TEST(QtAlerts, AnswerWithTheButtonOrTheLastOneWhenClosed)
         // It is on the screen before anybody answers.
         ASSERT_TRUE(
             happens([&] { return pixelsLike(box.palette().window().color(), screenshot(), box.geometry()) > 1000; }));
-        screenshot(QStringLiteral("alert"));
+        screenshot(u"alert"_s);
         if (button == Closed)
             box.close();
         else
@@ -70,7 +69,7 @@ TEST(QtAlerts, ShowOneAlertATitle)
         alerts.ask(Quit, count);
         alerts.ask(Quit, count);
         EXPECT_EQ(openBoxes().size(), 1);
-        alerts.ask({QStringLiteral("Another"), {}, {QStringLiteral("OK")}}, [&](int) {
+        alerts.ask({u"Another"_s, {}, {u"OK"_s}}, [&](int) {
             ++answered;
             alerts.ask(Quit, count); // From within an answer: the one that is open stays.
         });

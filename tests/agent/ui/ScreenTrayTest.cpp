@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 using namespace quarry;
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -23,22 +24,22 @@ TEST(ScreenTray, IsWaitedForAndGetsTheIconAgainAfterARestart)
     rig.item.show();
     ASSERT_TRUE(happens([&] { return rig.reports > 0; })) << "there is no tray yet";
     EXPECT_FALSE(rig.item.isInTray());
-    for (const QString& color : {QStringLiteral("0x202020"), QStringLiteral("0xf0f0f0")}) {
+    for (const QString& color : {u"0x202020"_s, u"0xf0f0f0"_s}) {
         const DesktopProgram tray = trayOf(color);
         ASSERT_TRUE(happens(showsOpenEye)) << color.toStdString();
         rig.item.setIcon(StatusItem::Icon::Plain);
         ASSERT_TRUE(happens([] { return !showsOpenEye(); }));
-        screenshot(QStringLiteral("tray-plain-") + color);
+        screenshot(u"tray-plain-"_s + color);
         rig.item.setIcon(StatusItem::Icon::Highlighted);
         ASSERT_TRUE(happens(showsOpenEye));
-        screenshot(QStringLiteral("tray-highlighted-") + color);
+        screenshot(u"tray-highlighted-"_s + color);
     }
     EXPECT_EQ(rig.reports, 1);
 }
 
 TEST(ScreenTray, PopsUpTheMenuWithTheDrawnInfoItem)
 {
-    const DesktopProgram tray = trayOf(QStringLiteral("0x202020"));
+    const DesktopProgram tray = trayOf(u"0x202020"_s);
     TrayRig rig;
     rig.item.setIcon(StatusItem::Icon::Highlighted);
     rig.item.setInfo(TrayRig::news());
@@ -49,9 +50,8 @@ TEST(ScreenTray, PopsUpTheMenuWithTheDrawnInfoItem)
     QStringList titles;
     for (const QAction* action : rig.item.menu().actions())
         titles.append(action->text());
-    EXPECT_EQ(titles.mid(0, 3),
-              (QStringList{QStringLiteral("Open QuarrySpotter"), QStringLiteral("Refresh Now (next in 12 min)"),
-                           QStringLiteral("Quit QuarrySpotter Agent…")}));
+    EXPECT_EQ(titles.mid(0, 3), (QStringList{u"Open QuarrySpotter"_s, u"Refresh Now (next in 12 min)"_s,
+                                             u"Quit QuarrySpotter Agent…"_s}));
     EXPECT_EQ(titles.size(), 4) << "the info item comes last";
 
     for (const int button : {1, 3}) {
@@ -61,7 +61,7 @@ TEST(ScreenTray, PopsUpTheMenuWithTheDrawnInfoItem)
         ASSERT_TRUE(happens([&] { return rig.item.menu().isVisible(); })) << "button " << button;
         const QColor bubble(58, 87, 247);
         ASSERT_TRUE(happens([&] { return pixelsLike(bubble, screenshot(), rig.item.menu().geometry(), 20) > 200; }));
-        screenshot(QStringLiteral("menu-%1").arg(button));
+        screenshot(u"menu-%1"_s.arg(button));
         rig.item.menu().close();
     }
 

@@ -5,9 +5,11 @@
 
 namespace quarry {
 
+using namespace Qt::Literals::StringLiterals;
+
 /// A status item with the product's own pictures and English texts.
 struct TrayRig {
-    StringTable texts{agentResources(), {QStringLiteral("en")}};
+    StringTable texts{agentResources(), {u"en"_s}};
     int reports = 0;
     std::vector<StatusItem::Tag> actions;
     TrayStatusItem item;
@@ -17,7 +19,7 @@ struct TrayRig {
               texts, agentResources(), [this] { ++reports; }, patience)
     {
         item.setActionHandler([this](StatusItem::Tag tag) { actions.push_back(tag); });
-        item.setTitle(StatusItem::Tag::Refresh, QStringLiteral("Refresh Now (next in 12 min)"));
+        item.setTitle(StatusItem::Tag::Refresh, u"Refresh Now (next in 12 min)"_s);
     }
 
     static QString agentResources()
@@ -30,9 +32,9 @@ struct TrayRig {
         const auto line = [](const QString& text, const QString& title) {
             return InfoText::Line{u'\n' + text + title, title.size()};
         };
-        return {QStringLiteral("New Results"),
-                {line(QStringLiteral("12 new results for "), QStringLiteral("mountain water & springs & a_b")),
-                 line(QStringLiteral("1 new result for "), QStringLiteral("sourdough"))}};
+        return {u"New Results"_s,
+                {line(u"12 new results for "_s, u"mountain water & springs & a_b"_s),
+                 line(u"1 new result for "_s, u"sourdough"_s)}};
     }
 };
 

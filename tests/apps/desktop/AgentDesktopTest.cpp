@@ -20,6 +20,19 @@ bool menuShowsNews()
     return pixelsLike(Bubble, screenshot(), {}, 20) > 200;
 }
 
+class AgentAndServices : public AgentOnDesktop {
+protected:
+    /// Gives the updater a query, and services that do not answer.
+    void holdServices()
+    {
+        services.hold("GET");
+        ASSERT_EQ(quarry({u"services"_s, u"--at"_s, services.address("")}).status, 0);
+        ASSERT_EQ(quarry({u"add"_s, u"starter"_s}).status, 0);
+    }
+
+    LoopbackServices services;
+};
+
 TEST_F(AgentOnDesktop, ADueRefreshIsMadeShownAndOpened)
 {
     ASSERT_TRUE(QDir(home.path()).mkdir(u"documents"_s));
@@ -70,12 +83,9 @@ TEST_F(AgentOnDesktop, ADueRefreshIsMadeShownAndOpened)
     EXPECT_TRUE(waitFor([&] { return notificationsShown() == 0; })) << "nobody would hear a click on it";
 }
 
-TEST_F(AgentOnDesktop, EndsWithItsBundleAndTakesTheUpdaterAlong)
+TEST_F(AgentAndServices, EndsWithItsBundleAndTakesTheUpdaterAlong)
 {
-    LoopbackServices services;
-    services.hold("GET");
-    ASSERT_EQ(quarry({u"services"_s, u"--at"_s, services.address("")}).status, 0);
-    ASSERT_EQ(quarry({u"add"_s, u"starter"_s}).status, 0);
+    ASSERT_NO_FATAL_FAILURE(holdServices());
     scheduleDueRefresh();
     const Program agent = startAgent();
     services.waitUntilHeld();
@@ -118,12 +128,9 @@ TEST_F(AgentOnDesktop, OneStaysUntilEverybodyIsToldToQuit)
     EXPECT_EQ(agentProcess(), 0);
 }
 
-TEST_F(AgentOnDesktop, GoesOnWhenItsBundleIsReplaced)
+TEST_F(AgentAndServices, GoesOnWhenItsBundleIsReplaced)
 {
-    LoopbackServices services;
-    services.hold("GET");
-    ASSERT_EQ(quarry({u"services"_s, u"--at"_s, services.address("")}).status, 0);
-    ASSERT_EQ(quarry({u"add"_s, u"starter"_s}).status, 0);
+    ASSERT_NO_FATAL_FAILURE(holdServices());
     scheduleNothingDue();
     const DesktopProgram bar = trayOf(u"0x202020"_s);
     const Program agent = startAgent();
@@ -150,13 +157,10 @@ TEST_F(AgentOnDesktop, GoesOnWhenItsBundleIsReplaced)
     EXPECT_EQ(statusOf(agent), 0);
 }
 
-TEST_F(AgentOnDesktop, KeepsTheScheduleWithoutABusOrATray)
+TEST_F(AgentAndServices, KeepsTheScheduleWithoutABusOrATray)
 {
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
-    LoopbackServices services;
-    services.hold("GET");
-    ASSERT_EQ(quarry({u"services"_s, u"--at"_s, services.address("")}).status, 0);
-    ASSERT_EQ(quarry({u"add"_s, u"starter"_s}).status, 0);
+    ASSERT_NO_FATAL_FAILURE(holdServices());
     scheduleDueRefresh();
     const Ran started = quarry({u"agent"_s, u"start"_s});
     EXPECT_EQ(started.status, 0) << started.err.toStdString();

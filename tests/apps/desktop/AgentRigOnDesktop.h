@@ -20,22 +20,24 @@
 
 namespace quarry::test {
 
+using namespace Qt::Literals::StringLiterals;
+
 /// A copy of the product's bundle that a test may take apart. Its files are links, so that it costs nothing.
 class BundleCopy final {
 public:
     BundleCopy() { makeAt(path()); }
-    [[nodiscard]] QString path() const { return _folder.filePath(QStringLiteral("QuarrySpotter.app")); }
-    [[nodiscard]] QString agentProgram() const { return programs() + QStringLiteral("QuarrySpotterAgent"); }
+    [[nodiscard]] QString path() const { return _folder.filePath(u"QuarrySpotter.app"_s); }
+    [[nodiscard]] QString agentProgram() const { return programs() + u"QuarrySpotterAgent"_s; }
     [[nodiscard]] QString updaterProgram() const
     {
-        return programs() + QStringLiteral("QuarrySpotterUpdater.app/Contents/bin/QuarrySpotterUpdater");
+        return programs() + u"QuarrySpotterUpdater.app/Contents/bin/QuarrySpotterUpdater"_s;
     }
     void remove() const { EXPECT_TRUE(QDir(path()).removeRecursively()); }
     /// As an installer does it: the new one takes the old one's place when it is complete.
     void replace() const
     {
-        const QString fresh = _folder.filePath(QStringLiteral("new.app"));
-        const QString old = _folder.filePath(QStringLiteral("old.app"));
+        const QString fresh = _folder.filePath(u"new.app"_s);
+        const QString old = _folder.filePath(u"old.app"_s);
         makeAt(fresh);
         EXPECT_TRUE(QFile::rename(path(), old) && QFile::rename(fresh, path()));
         EXPECT_TRUE(QDir(old).removeRecursively());
@@ -44,19 +46,19 @@ public:
 private:
     static void link(const QString& options, const QString& from, const QString& to)
     {
-        EXPECT_EQ(QProcess::execute(QStringLiteral("cp"), {options, from, to}), 0);
+        EXPECT_EQ(QProcess::execute(u"cp"_s, {options, from, to}), 0);
     }
     static void makeAt(const QString& path)
     {
-        link(QStringLiteral("-al"), QStringLiteral(QUARRY_BUNDLE_DIR "/.."), path);
+        link(u"-al"_s, QStringLiteral(QUARRY_BUNDLE_DIR "/.."), path);
         // The stand-in in place of the main application.
-        const QString program = path + QStringLiteral("/Contents/bin/QuarrySpotter");
+        const QString program = path + u"/Contents/bin/QuarrySpotter"_s;
         QFile::remove(program);
-        link(QStringLiteral("-l"), QCoreApplication::applicationFilePath(), program);
+        link(u"-l"_s, QCoreApplication::applicationFilePath(), program);
     }
     [[nodiscard]] QString programs() const
     {
-        return path() + QStringLiteral("/Contents/Agents/QuarrySpotterAgent.app/Contents/bin/");
+        return path() + u"/Contents/Agents/QuarrySpotterAgent.app/Contents/bin/"_s;
     }
 
     // Beside the bundle: links do not reach another file system.
@@ -75,11 +77,9 @@ protected:
         wallpaper.setWindowFlag(Qt::X11BypassWindowManagerHint);
         wallpaper.setGeometry(QGuiApplication::primaryScreen()->geometry());
         wallpaper.show();
-        everybody.addObserver(MainApplicationStandIn::openedNotification(), [this](const auto& userInfo) {
-            opened.append(userInfo.value(QStringLiteral("arguments")));
-        });
-        EXPECT_EQ(
-            quarry({QStringLiteral("prefs"), QStringLiteral("--results-per-service"), QStringLiteral("10")}).status, 0);
+        everybody.addObserver(MainApplicationStandIn::openedNotification(),
+                              [this](const auto& userInfo) { opened.append(userInfo.value(u"arguments"_s)); });
+        EXPECT_EQ(quarry({u"prefs"_s, u"--results-per-service"_s, u"10"_s}).status, 0);
     }
 
     // --- Programs
@@ -100,9 +100,8 @@ protected:
     /// The agent that runs over the home folder; 0 when none does.
     static qint64 agentProcess()
     {
-        const QJsonObject status =
-            quarry({QStringLiteral("agent"), QStringLiteral("status"), QStringLiteral("--json")}).json();
-        return status[QStringLiteral("process")].toInteger();
+        const QJsonObject status = quarry({u"agent"_s, u"status"_s, u"--json"_s}).json();
+        return status[u"process"_s].toInteger();
     }
     static bool lives(const Program& program) { return program->state() == QProcess::Running; }
     /// The exit status once it has ended; -1 when it does not end, or crashed.
@@ -115,9 +114,9 @@ protected:
     static QList<qint64> processesNamed(const QString& name)
     {
         QList<qint64> found;
-        for (const QString& process : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
-            const QString file = QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(process));
-            if (file.section(u'/', -1).remove(QStringLiteral(" (deleted)")) == name)
+        for (const QString& process : QDir(u"/proc"_s).entryList(QDir::Dirs)) {
+            const QString file = QFile::symLinkTarget(u"/proc/%1/exe"_s.arg(process));
+            if (file.section(u'/', -1).remove(u" (deleted)"_s) == name)
                 found.append(process.toLongLong());
         }
         return found;
@@ -163,23 +162,23 @@ protected:
     /// A notification server that shows at a known place and does what a click asks for.
     [[nodiscard]] DesktopProgram notificationServer() const
     {
-        const QString config = home.path() + QStringLiteral("/dunstrc");
+        const QString config = home.path() + u"/dunstrc"_s;
         EXPECT_TRUE(writeFile(config, "[global]\norigin = top-right\noffset = 250x20\nwidth = 330\n"
                                       "font = Sans 10\nmarkup = full\nformat = \"<b>%s</b>\\n%b\"\n"
                                       "icon_position = left\nmin_icon_size = 48\nmax_icon_size = 48\n"
                                       "show_indicators = no\nmouse_left_click = do_action\n"
                                       "[urgency_normal]\ntimeout = 0\n"));
-        return {QStringLiteral("dunst"), {QStringLiteral("-config"), config}};
+        return {u"dunst"_s, {u"-config"_s, config}};
     }
     static constexpr QPoint NotificationPlace{900, 50};
     /// What the notification server shows at the moment; -1 while there is none.
     [[nodiscard]] int notificationsShown()
     {
-        QDBusMessage question = QDBusMessage::createMethodCall(
-            QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("/org/freedesktop/Notifications"),
-            QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+        QDBusMessage question =
+            QDBusMessage::createMethodCall(u"org.freedesktop.Notifications"_s, u"/org/freedesktop/Notifications"_s,
+                                           u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
         question.setAutoStartService(false);
-        question.setArguments({QStringLiteral("org.dunstproject.cmd0"), QStringLiteral("displayedLength")});
+        question.setArguments({u"org.dunstproject.cmd0"_s, u"displayedLength"_s});
         const QVariant answer = bus.connection().call(question).arguments().value(0);
         return answer.canConvert<QDBusVariant>() ? answer.value<QDBusVariant>().variant().toInt() : -1;
     }

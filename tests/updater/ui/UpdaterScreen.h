@@ -13,22 +13,24 @@
 
 namespace quarry::test {
 
+using namespace Qt::Literals::StringLiterals;
+
 /// The English texts, with the release notes at an address of the test's.
 inline StringTable textsWithNotes(const QByteArray& address)
 {
     const QTemporaryDir resources;
-    QDir(resources.path()).mkpath(QStringLiteral("English.lproj"));
+    QDir(resources.path()).mkpath(u"English.lproj"_s);
     QByteArray table = contentOf(QStringLiteral(QUARRY_BUNDLE_DIR "/Resources/English.lproj/Updater.strings"));
     const qsizetype key = table.indexOf("130_ReleaseNoteRTFUrl");
     table.insert(table.indexOf("<string>", key) + 8, address);
-    writeFile(resources.filePath(QStringLiteral("English.lproj/Updater.strings")), table);
-    return StringTable(resources.path(), {QStringLiteral("C")}, QStringLiteral("Updater"));
+    writeFile(resources.filePath(u"English.lproj/Updater.strings"_s), table);
+    return StringTable(resources.path(), {u"C"_s}, u"Updater"_s);
 }
 
 /// Colors of a dark desktop, or of a light one.
 inline void setDark(bool isDark)
 {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
     QApplication::setPalette(isDark ? darkPalette() : QApplication::style()->standardPalette());
 }
 
