@@ -5,6 +5,7 @@
 #include "text/FoldedSearch.h"
 
 #include <algorithm>
+#include <span>
 
 namespace quarry {
 
@@ -17,11 +18,11 @@ struct NamedEncoding {
     EncodingNumber number;
 };
 
-// Latin-1 stands in for Latin-9.
+/// Latin-1 stands in for Latin-9. The short table leaves out the first.
 constexpr NamedEncoding usualNames[] = {
+    {u"latin1", latin1Encoding},
     {u"iso-8859-1", latin1Encoding},
     {u"iso8859-1", latin1Encoding},
-    {u"latin1", latin1Encoding},
     {u"iso8859-2", 9},
     {u"iso-8859-2", 9},
     {u"iso-8859-15", latin1Encoding},
@@ -36,25 +37,12 @@ constexpr NamedEncoding furtherNames[] = {
     {u"iso-8859-9", 521}, {u"shift_jis", 2561}, {u"gb2312", 1584}, {u"euc-jp", 2336}, {u"windows-8859", 1280},
 };
 
-constexpr NamedEncoding shortTable[] = {
-    {u"iso-8859-1", latin1Encoding},
-    {u"iso8859-1", latin1Encoding},
-    {u"iso8859-2", 9},
-    {u"iso-8859-2", 9},
-    {u"iso-8859-15", latin1Encoding},
-    {u"utf-8", utf8Encoding},
-    {u"windows-1252", windows1252Encoding},
-    {u"windows-1250", 15},
-    {u"windows-1251", 11},
-};
-
-template <std::size_t Size>
-std::optional<EncodingNumber> numberOf(QStringView name, const NamedEncoding (&table)[Size])
+std::optional<EncodingNumber> numberOf(QStringView name, std::span<const NamedEncoding> table)
 {
-    const auto* at = std::find_if(std::begin(table), std::end(table), [&](const NamedEncoding& row) {
+    const auto at = std::find_if(table.begin(), table.end(), [&](const NamedEncoding& row) {
         return name.compare(row.name, Qt::CaseInsensitive) == 0;
     });
-    return at != std::end(table) ? std::optional(at->number) : std::nullopt;
+    return at != table.end() ? std::optional(at->number) : std::nullopt;
 }
 
 /// The number under which texts are kept for one of CoreFoundation's; none for an encoding that is not there.
@@ -107,7 +95,7 @@ EncodingNumber encodingOrEquivalent(QStringView charset)
 
 EncodingNumber encodingOrUtf8(QStringView charset)
 {
-    if (const auto known = numberOf(charset, shortTable))
+    if (const auto known = numberOf(charset, std::span(usualNames).subspan(1)))
         return *known;
     systemLog(QStringLiteral("Unknown encoding %1. Default to UTF-8").arg(charset));
     return utf8Encoding;
