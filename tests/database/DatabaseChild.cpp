@@ -1,8 +1,7 @@
-// A process for the tests to start: "save HOME" rewrites the database without end and says each state it has
-// saved; "add HOME PREFIX COUNT" adds queries, one edit each.
+// A process for the tests to start: rewrites the database of a home folder without end and says each state it has
+// saved.
 
 #include "database/QueryDatabaseEngine.h"
-#include "database/Schedule.h"
 #include "support/RecordingPauser.h"
 #include "support/SettableClock.h"
 
@@ -27,42 +26,25 @@ static void makeState(QueryDatabaseEngine& database, int number)
     (void)node->replaceResultsIfUnchanged(node->snapshot().generation, results, Date(number));
 }
 
-static void saveWithoutEnd(QueryDatabaseEngine& engine)
-{
-    for (int number = 1;; ++number) {
-        const QString error = engine.edit([&](QueryDatabaseEngine& database) {
-            makeState(database, number);
-            return QString();
-        });
-        if (!error.isEmpty())
-            return;
-        std::printf("%d\n", number);
-        std::fflush(stdout);
-    }
-}
-
 int main(int argc, char** argv)
 {
-    if (argc < 3)
+    if (argc != 2)
         return 2;
-    const HomeFolder home(QFile::decodeName(argv[2]));
+    const HomeFolder home(QFile::decodeName(argv[1]));
     SettableClock clock;
     RecordingPauser pauser;
     DiskFileStore files;
     NotificationCenter notifications;
     QueryDatabaseEngine engine({home, clock, pauser, files, notifications, nullptr, {}},
                                QueryDatabaseEngine::AtEnd::Discard);
-    if (argc == 3)
-        saveWithoutEnd(engine);
-    const Schedule schedule(home, files);
-    for (int i = 0; argc == 5 && i < std::atoi(argv[4]); ++i) {
-        const QString text = QString::fromUtf8(argv[3]) + QString::number(i);
+    for (int number = 1;; ++number) {
         const QString error = engine.edit([&](QueryDatabaseEngine& database) {
-            database.addQuery(text, false);
+            makeState(database, number);
             return QString();
         });
-        if (!error.isEmpty() || !schedule.setPeriodicityMinutes(i).isEmpty())
+        if (!error.isEmpty())
             return 1;
+        std::printf("%d\n", number);
+        std::fflush(stdout);
     }
-    return 0;
 }

@@ -72,15 +72,6 @@ TEST_F(DatabaseFaults, AFileThatCannotBeReadIsNeverReplaced)
     EXPECT_EQ(log.filter(QStringLiteral("Database loading 2: Error on database opening ")).size(), 1);
 }
 
-TEST_F(DatabaseFaults, AMissingHomeIsNamedAndNotMade)
-{
-    const QString path = home.path() + QStringLiteral("/not/there");
-    Engine engine({HomeFolder(path), clock, pauser, files, notifications, nullptr, {}}, Engine::AtEnd::Save);
-    for (const QString& error : {engine.lastError(), add(engine, QStringLiteral("a"))})
-        EXPECT_EQ(error, QStringLiteral("the home folder %1 does not exist").arg(path));
-    EXPECT_FALSE(QFile::exists(path));
-}
-
 TEST_F(DatabaseFaults, OtherContentIsCopiedAsideAndReportedOnce)
 {
     const QByteArray otherList =

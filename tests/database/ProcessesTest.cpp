@@ -11,29 +11,13 @@ namespace {
 
 using Processes = DatabaseFixture;
 
-TEST_F(Processes, TwoProgramsThatEditAtOnceLoseNothing)
-{
-    constexpr int Count = 20;
-    std::array<QProcess, 3> children;
-    for (std::size_t i = 0; i < children.size(); ++i)
-        children[i].start(QStringLiteral(DATABASE_CHILD), {QStringLiteral("add"), home.path(),
-                                                           QString(QChar(u'a' + char16_t(i))), QString::number(Count)});
-    for (QProcess& child : children) {
-        ASSERT_TRUE(child.waitForFinished(120000));
-        EXPECT_EQ(child.exitCode(), 0);
-    }
-    const QStringList titles = titlesInFile();
-    EXPECT_EQ(titles.size(), 3 * Count);
-    EXPECT_EQ(QSet<QString>(titles.begin(), titles.end()).size(), 3 * Count);
-}
-
 TEST_F(Processes, AKillAtAnyInstantOfASaveLeavesAWholeState)
 {
     std::mt19937 random(20261121); // NOLINT: the same instants are not to be expected anyway.
     const auto chance = [&random](int most) { return std::uniform_int_distribution<int>(0, most)(random); };
     for (int round = 0; round < 25; ++round) {
         QProcess child;
-        child.start(QStringLiteral(DATABASE_CHILD), {QStringLiteral("save"), home.path()});
+        child.start(QStringLiteral(DATABASE_CHILD), {home.path()});
         int saved = 0;
         for (int lines = 1 + chance(3); lines > 0; --lines) {
             while (!child.canReadLine())

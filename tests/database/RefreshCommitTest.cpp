@@ -51,22 +51,6 @@ TEST_F(RefreshCommits, AnUntouchedFileTakesTheTreeAsItIs)
     EXPECT_TRUE(commit->isEmpty());
 }
 
-TEST_F(RefreshCommits, EditsDuringTheRefreshAndTheRefreshBothSurvive)
-{
-    bring(0);
-    bring(1);
-    ASSERT_EQ(addElsewhere(QStringLiteral("c")), QString());
-    Engine other(parts(), Engine::AtEnd::Discard);
-    ASSERT_EQ(other.edit([](Engine& database) {
-        database.removeQuery(database.queries()->at(1));
-        return QString();
-    }),
-              QString());
-    EXPECT_EQ(commit->commit(), QString());
-    EXPECT_EQ(merges, 1);
-    EXPECT_EQ(resultsInFile(), QStringLiteral("a1c0"));
-}
-
 TEST_F(RefreshCommits, ADatabaseThatIsDamagedMeanwhileIsNotReplacedByAnEmptyOne)
 {
     bring(0);

@@ -28,6 +28,8 @@ protected:
 
 TEST_F(Settings, TheScheduleIsMadeByTheFirstThatNeedsIt)
 {
+    EXPECT_EQ(preferences.read().resultsPerEngine, 40);
+    EXPECT_EQ(preferences.read().numberOfNewLinks, 0);
     EXPECT_FALSE(schedule.read(now).exists);
     ASSERT_EQ(schedule.ensureExists(), QString());
     const Schedule::Settings made = schedule.read(now);
@@ -57,16 +59,6 @@ TEST_F(Settings, AChangeKeepsWhatItDoesNotKnow)
 
     EXPECT_FALSE(schedule.read(now.plusSeconds(-86401)).lastUpdate) << "more than a day ahead is no date";
     EXPECT_TRUE(schedule.read(now.plusSeconds(-86399)).lastUpdate);
-}
-
-TEST_F(Settings, PreferencesHaveDefaults)
-{
-    EXPECT_EQ(preferences.read().resultsPerEngine, 40);
-    EXPECT_EQ(preferences.read().numberOfNewLinks, 0);
-    ASSERT_EQ(preferences.setResultsPerEngine(10), QString());
-    ASSERT_EQ(preferences.setNumberOfNewLinks(5), QString());
-    EXPECT_EQ(preferences.read().resultsPerEngine, 10);
-    EXPECT_EQ(preferences.read().numberOfNewLinks, 5);
 }
 
 TEST_F(Settings, ABrokenFileIsNamedServedByDefaultsAndCopiedAside)
