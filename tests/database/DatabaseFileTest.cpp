@@ -52,29 +52,23 @@ TEST_F(DatabaseFile, TheFilesOwnDateThrottlesTheFirstSave)
 {
     ASSERT_EQ(addElsewhere(QStringLiteral("one")), QString());
     const Date written = dateOfFile();
-    struct Case {
-        double secondsAfter;
-        bool saves;
-    };
+    using Case = std::tuple<double, bool>;
     // The last: the clock was set back by more than a day since the file was written.
-    for (const Case& c :
+    for (const auto& [secondsAfter, saves] :
          {Case{30, false}, Case{59.9, false}, Case{60.1, true}, Case{-3600, false}, Case{-90000, true}}) {
         const struct timespec times[2] = {{0, UTIME_OMIT}, {static_cast<time_t>(written.unixSeconds()), 0}};
         ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(home->databaseFile()).constData(), times, 0), 0);
         Engine engine(parts(), Engine::AtEnd::Discard);
-        clock.set(dateOfFile().plusSeconds(c.secondsAfter));
+        clock.set(dateOfFile().plusSeconds(secondsAfter));
         const int before = files.replacements;
         EXPECT_TRUE(engine.saveDatabase(false));
-        EXPECT_EQ(files.replacements - before, c.saves ? 1 : 0) << c.secondsAfter;
+        EXPECT_EQ(files.replacements - before, saves ? 1 : 0) << secondsAfter;
     }
 }
 
 TEST_F(DatabaseFile, ARewrittenFileIsReadAgainBeforeItIsUsed)
 {
-    struct Case {
-        const char* name;
-        std::function<void(Engine&)> use;
-    };
+    using Case = std::tuple<const char*, std::function<void(Engine&)>>;
     const std::vector<Case> cases{
         {"rootQuery", [](Engine& e) { EXPECT_TRUE(e.rootQuery()); }},
         {"addQuery", [](Engine& e) { e.addQuery(QStringLiteral("mine"), true); }},
@@ -82,13 +76,13 @@ TEST_F(DatabaseFile, ARewrittenFileIsReadAgainBeforeItIsUsed)
         {"queriesWithNewResults", [](Engine& e) { EXPECT_FALSE(e.queriesWithNewResults().isEmpty()); }},
         {"updateAllQueries", [](Engine& e) { e.updateAllQueries(); }},
     };
-    for (const Case& c : cases) {
+    for (const auto& [name, use] : cases) {
         Engine engine(parts(), Engine::AtEnd::Discard);
         const auto before = engine.numberOfQueries();
-        ASSERT_EQ(addElsewhere(QString::fromUtf8(c.name)), QString());
-        c.use(engine);
-        EXPECT_TRUE(titlesOf(engine).contains(QString::fromUtf8(c.name))) << c.name;
-        EXPECT_GT(engine.numberOfQueries(), before) << c.name;
+        ASSERT_EQ(addElsewhere(QString::fromUtf8(name)), QString());
+        use(engine);
+        EXPECT_TRUE(titlesOf(engine).contains(QString::fromUtf8(name))) << name;
+        EXPECT_GT(engine.numberOfQueries(), before) << name;
     }
 }
 

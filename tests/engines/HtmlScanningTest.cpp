@@ -64,18 +64,15 @@ TEST(HtmlScanning, ElementsEqualTheNaiveWalkOnMarkerSoup)
     for (int round = 0; round < 4000; ++round) {
         const QString page = soup.text(40);
         const ScanCopy copy(page);
-        const struct {
-            QStringList real;
-            const char16_t* opening;
-        } scans[] = {
+        const std::tuple<QStringList, const char16_t*> scans[] = {
             {texts(contentsOfTagWithAttribute(u"li", u"class", u"g", copy, true)), u" class=\"g\""},
             {texts(contentsOfTagWithAttribute(u"li", u"class", u"g", copy, false)), u" class=g"},
             {texts(contentsOfTagWithAttribute(u"li", u"id", u"k", copy, true, u'\'')), u" id='k'"},
             {texts(contentsOfTagWithAttribute(u"li", u"id", u"k", copy, false, u'\'')), u" id=k"},
         };
-        for (const auto& scan : scans) {
-            const QStringList expected = naive::elements(u"li"_qs, QString::fromUtf16(scan.opening), page);
-            ASSERT_EQ(scan.real, expected) << qPrintable(page);
+        for (const auto& [real, opening] : scans) {
+            const QStringList expected = naive::elements(u"li"_qs, QString::fromUtf16(opening), page);
+            ASSERT_EQ(real, expected) << qPrintable(page);
             found += expected.size();
         }
         // A scan within a part is a scan of the part's text.
@@ -97,10 +94,7 @@ TEST(HtmlScanning, TargetsEqualTheNaiveWalkOnMarkerSoup)
     for (int round = 0; round < 6000; ++round) {
         const QString page = soup.text(30);
         const ScanCopy copy(page);
-        const struct {
-            QStringView real;
-            QString expected;
-        } scans[] = {
+        const std::tuple<QStringView, QString> scans[] = {
             {targetOfLinkWithClass(std::nullopt, copy), naive::target({u"a href"_qs}, u"href=\""_qs, u'"', page)},
             {targetOfLinkWithClass(u"g", copy),
              naive::target({u" class=\"g\""_qs, u" class=g"_qs}, u"href=\""_qs, u'"', page)},
@@ -111,9 +105,9 @@ TEST(HtmlScanning, TargetsEqualTheNaiveWalkOnMarkerSoup)
             {targetOfYahooLinkWithClass(u"g", copy),
              naive::target({u" class=\"g\""_qs, u" class=g"_qs}, u"ourl=\""_qs, u'"', page)},
         };
-        for (const auto& scan : scans) {
-            ASSERT_EQ(scan.real, scan.expected) << qPrintable(page);
-            found += scan.expected.isEmpty() ? 0 : 1;
+        for (const auto& [real, expected] : scans) {
+            ASSERT_EQ(real, expected) << qPrintable(page);
+            found += expected.isEmpty() ? 0 : 1;
         }
     }
     EXPECT_GT(found, 1000);

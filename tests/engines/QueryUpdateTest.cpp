@@ -29,12 +29,8 @@ QueryCorePtr combined(const QStringList& texts, qint64 words, const QString& web
 
 TEST(QueryUpdate, AsksTheServicesThatTheKindOfQueryCallsForWithItsText)
 {
-    struct Case {
-        const char* name;
-        QueryCorePtr node;
-        /// The end of each address asked for, in order.
-        QByteArrayList ends;
-    };
+    // A name, the query, and the end of each address asked for, in order.
+    using Case = std::tuple<const char*, QueryCorePtr, QByteArrayList>;
     const Case cases[] = {
         {"plain",
          plain(u"a b&c"_qs),
@@ -56,32 +52,25 @@ TEST(QueryUpdate, AsksTheServicesThatTheKindOfQueryCallsForWithItsText)
           "&p=b&vs=w.org", "&q=%20a%20b+site:w.org"}},
     };
     const std::array inOrder = {Google, Yahoo, Bing, Ixquick};
-    for (const Case& c : cases) {
+    for (const auto& [name, node, ends] : cases) {
         UpdateRig rig;
-        rig.update(rig.add(c.node));
+        rig.update(rig.add(node));
         const std::vector<QByteArray> requests = rig.loader.requests();
-        ASSERT_EQ(requests.size(), static_cast<std::size_t>(c.ends.size())) << c.name;
-        for (qsizetype i = 0; i < c.ends.size(); ++i) {
+        ASSERT_EQ(requests.size(), static_cast<std::size_t>(ends.size())) << name;
+        for (qsizetype i = 0; i < ends.size(); ++i) {
             const QByteArray& request = requests[static_cast<std::size_t>(i)];
-            EXPECT_TRUE(request.endsWith(c.ends[i])) << c.name << ": " << request.constData();
-            const bool asksIxquick = c.ends.contains("&query=a%20b") || c.node->kind() == QueryKind::Plain;
-            EXPECT_EQ(test::serviceOf(request), inOrder[static_cast<std::size_t>(i) % (asksIxquick ? 4U : 3U)])
-                << c.name;
+            EXPECT_TRUE(request.endsWith(ends[i])) << name << ": " << request.constData();
+            const bool asksIxquick = ends.contains("&query=a%20b") || node->kind() == QueryKind::Plain;
+            EXPECT_EQ(test::serviceOf(request), inOrder[static_cast<std::size_t>(i) % (asksIxquick ? 4U : 3U)]) << name;
         }
-        EXPECT_EQ(c.node->date(), rig.clock.now()) << c.name;
+        EXPECT_EQ(node->date(), rig.clock.now()) << name;
     }
 }
 
 TEST(QueryUpdate, LeavesASingleQueryAloneForAQuarterOfAnHourUnlessItsSearchChanged)
 {
-    struct Case {
-        const char* name;
-        QueryCorePtr node;
-        double secondsLater;
-        bool edited;
-        bool asked;
-    };
-    for (const Case& c :
+    using Case = std::tuple<const char*, QueryCorePtr, double, bool, bool>;
+    for (const auto& [name, node, secondsLater, edited, asked] :
          {Case{"at once", plain(u"a"_qs), 0, false, false}, Case{"still within", plain(u"a"_qs), 900, false, false},
           Case{"just past", plain(u"a"_qs), 900.25, false, true},
           Case{"clock set back", advanced(u"a"_qs, 1), -3600, false, false},
@@ -89,24 +78,24 @@ TEST(QueryUpdate, LeavesASingleQueryAloneForAQuarterOfAnHourUnlessItsSearchChang
           Case{"edited", plain(u"a"_qs), 1, true, true}, Case{"combined", combined({u"a"_qs}, 1), 0, false, true}}) {
         UpdateRig rig;
         rig.results[Google] = {u"http://a/"_qs};
-        rig.update(rig.add(c.node));
+        rig.update(rig.add(node));
         const Date first = rig.clock.now();
         const std::size_t requests = rig.loader.requests().size();
-        rig.clock.advance(c.secondsLater);
-        if (c.edited)
-            c.node->changeWithQuery(u"a"_qs, 1, QString());
+        rig.clock.advance(secondsLater);
+        if (edited)
+            node->changeWithQuery(u"a"_qs, 1, QString());
 
         rig.update(rig.root);
-        EXPECT_EQ(rig.lastFacts().end, c.asked ? UpdateEnd::Updated : UpdateEnd::Recent) << c.name;
-        EXPECT_EQ(rig.loader.requests().size() > requests, c.asked) << c.name;
-        EXPECT_EQ(c.node->date(), c.asked ? rig.clock.now() : first) << c.name;
-        EXPECT_EQ(c.node->results()->at(0).newSincePrevious(), !c.asked) << c.name;
-        EXPECT_EQ(c.node->numberOfLinksAddedOnLatestUpdate(), 0) << c.name;
-        const QString title = c.node->title();
-        EXPECT_EQ(rig.posted, QStringList({u"uptDidFinish "_qs + title, u"DBInternalUpdate "_qs + title})) << c.name;
+        EXPECT_EQ(rig.lastFacts().end, asked ? UpdateEnd::Updated : UpdateEnd::Recent) << name;
+        EXPECT_EQ(rig.loader.requests().size() > requests, asked) << name;
+        EXPECT_EQ(node->date(), asked ? rig.clock.now() : first) << name;
+        EXPECT_EQ(node->results()->at(0).newSincePrevious(), !asked) << name;
+        EXPECT_EQ(node->numberOfLinksAddedOnLatestUpdate(), 0) << name;
+        const QString title = node->title();
+        EXPECT_EQ(rig.posted, QStringList({u"uptDidFinish "_qs + title, u"DBInternalUpdate "_qs + title})) << name;
 
         rig.update(rig.root);
-        EXPECT_EQ(rig.lastFacts().end, c.node->isCombinedQuery() ? UpdateEnd::Updated : UpdateEnd::Recent) << c.name;
+        EXPECT_EQ(rig.lastFacts().end, node->isCombinedQuery() ? UpdateEnd::Updated : UpdateEnd::Recent) << name;
     }
 }
 
@@ -167,13 +156,8 @@ TEST(QueryUpdate, ASourceThatFailsCostsOnlyItsOwnResults)
 
 TEST(QueryUpdate, RestrictsPagesAndFiltersAddressesWhereTheQueryAsksForIt)
 {
-    struct Case {
-        const char* name;
-        QueryCorePtr node;
-        QStringList restricted; ///< "text first-address" of each list handed over.
-        QString pattern;
-        QStringList kept;
-    };
+    // A name, the query, "text first-address" of each list handed over, the pattern, and what is kept.
+    using Case = std::tuple<const char*, QueryCorePtr, QStringList, QString, QStringList>;
     const auto single = [](qint64 words, const QString& expression) {
         return QueryCore::initWithAdvancedQuery(u"a b"_qs, words, QString(), expression);
     };
@@ -182,7 +166,7 @@ TEST(QueryUpdate, RestrictsPagesAndFiltersAddressesWhereTheQueryAsksForIt)
     const QString one = u"http://g/docs/1"_qs;
     const QString two = u"http://g/docs/22?q"_qs;
     const QStringList all = {u"http://b/"_qs, one, two, u"http://y/"_qs};
-    for (const Case& c : {
+    for (const auto& [name, node, handedOver, filteredBy, left] : {
              Case{"single",
                   single(3, u"/docs/[0-9]+"_qs),
                   {u"a+b "_qs + one, u"a+b http://y/"_qs, u"a+b http://b/"_qs},
@@ -212,13 +196,13 @@ TEST(QueryUpdate, RestrictsPagesAndFiltersAddressesWhereTheQueryAsksForIt)
             pattern = expression;
             return filterByUrl(records, expression);
         };
-        rig.update(rig.add(c.node));
-        EXPECT_EQ(rig.lastFacts().end, UpdateEnd::Updated) << c.name;
-        EXPECT_EQ(restricted, c.restricted) << c.name;
-        EXPECT_EQ(pattern, c.pattern) << c.name;
-        QStringList kept = addressesOf(c.node->results().value_or(ResultList()));
+        rig.update(rig.add(node));
+        EXPECT_EQ(rig.lastFacts().end, UpdateEnd::Updated) << name;
+        EXPECT_EQ(restricted, handedOver) << name;
+        EXPECT_EQ(pattern, filteredBy) << name;
+        QStringList kept = addressesOf(node->results().value_or(ResultList()));
         kept.sort();
-        EXPECT_EQ(kept, c.kept) << c.name;
+        EXPECT_EQ(kept, left) << name;
     }
     EXPECT_EQ(filterByUrl({ResultRecord(), linkTo(u"http://h/"_qs)}, u".*"_qs).size(), 1) << "one has no address";
 }

@@ -97,43 +97,37 @@ TEST(ResultMerge, CountsExcludedHostsBeforeTheBlacklistAndStopsWhenEnoughWereAdd
     };
     const ResultList links = linksTo({u"http://bad/1"_qs, u"http://ok/1"_qs, u"http://bader/2"_qs, u"http://Bad/3"_qs,
                                       u"http://ok/2"_qs, u"http://bad/4"_qs, u"http://ok/3"_qs});
-    struct Case {
-        bool subscribed;
-        qint64 limit;
-        qint64 added, blacklisted, excluded;
-    };
-    for (const Case& c : {Case{false, 0, 5, 0, 2}, Case{true, 0, 3, 2, 2}, Case{true, 2, 2, 2, 1},
-                          Case{true, 1, 1, 0, 1}, Case{true, -1, 3, 2, 2}}) {
-        query._isSuscribedToBlacklist = c.subscribed;
-        const MergeOutcome outcome = compareWithKnownLinks(query, links, false, {Now, 3, c.limit}, hooks);
-        EXPECT_EQ(outcome.added, c.added) << c.limit;
-        EXPECT_EQ(outcome.results.size(), c.added);
-        EXPECT_EQ(outcome.blacklisted, c.blacklisted) << c.limit;
-        EXPECT_EQ(outcome.excluded, c.excluded) << c.limit;
+    using Case = std::tuple<bool, qint64, qint64, qint64, qint64>;
+    for (const auto& [subscribed, limit, added, blacklisted, excluded] :
+         {Case{false, 0, 5, 0, 2}, Case{true, 0, 3, 2, 2}, Case{true, 2, 2, 2, 1}, Case{true, 1, 1, 0, 1},
+          Case{true, -1, 3, 2, 2}}) {
+        query._isSuscribedToBlacklist = subscribed;
+        const MergeOutcome outcome = compareWithKnownLinks(query, links, false, {Now, 3, limit}, hooks);
+        EXPECT_EQ(outcome.added, added) << limit;
+        EXPECT_EQ(outcome.results.size(), added);
+        EXPECT_EQ(outcome.blacklisted, blacklisted) << limit;
+        EXPECT_EQ(outcome.excluded, excluded) << limit;
     }
 }
 
 TEST(ResultMerge, APageThatChangedReadsAsUnreadWhenDigestsAreOn)
 {
     const ResultRecord read = linkTo(u"http://h/"_qs).withUserSaw(true).withChecksum(u"old"_qs).withVisible(true);
-    struct Case {
-        bool digests, visible;
-        QString address, incoming, digest;
-        bool stillRead;
-    };
-    for (const Case& c : {Case{true, true, u"http://h/"_qs, u"new"_qs, u"new"_qs, false},
-                          Case{false, true, u"http://h/"_qs, u"new"_qs, u"old"_qs, true},
-                          Case{true, false, u"http://h/"_qs, u"new"_qs, u"old"_qs, true},
-                          Case{true, true, u"http://h/"_qs, u"old"_qs, u"old"_qs, true},
-                          Case{true, true, u"http://h/"_qs, u""_qs, u"old"_qs, true},
-                          Case{true, true, u"http://h/?same"_qs, u"new"_qs, u"old"_qs, true}}) {
-        QueryFields query = queryWith({read.withVisible(c.visible)});
-        query._computeCheckSumOfLinks = c.digests;
+    using Case = std::tuple<bool, bool, QString, QString, QString, bool>;
+    for (const auto& [digests, visible, address, incoming, digest, stillRead] :
+         {Case{true, true, u"http://h/"_qs, u"new"_qs, u"new"_qs, false},
+          Case{false, true, u"http://h/"_qs, u"new"_qs, u"old"_qs, true},
+          Case{true, false, u"http://h/"_qs, u"new"_qs, u"old"_qs, true},
+          Case{true, true, u"http://h/"_qs, u"old"_qs, u"old"_qs, true},
+          Case{true, true, u"http://h/"_qs, u""_qs, u"old"_qs, true},
+          Case{true, true, u"http://h/?same"_qs, u"new"_qs, u"old"_qs, true}}) {
+        QueryFields query = queryWith({read.withVisible(visible)});
+        query._computeCheckSumOfLinks = digests;
         const MergeOutcome outcome =
-            compareWithKnownLinks(query, {linkTo(c.address).withChecksum(c.incoming)}, true, Settings);
+            compareWithKnownLinks(query, {linkTo(address).withChecksum(incoming)}, true, Settings);
         ASSERT_EQ(outcome.results.size(), 1);
-        EXPECT_EQ(outcome.results[0].checksum(), c.digest);
-        EXPECT_EQ(outcome.results[0].isRead(), c.stillRead);
+        EXPECT_EQ(outcome.results[0].checksum(), digest);
+        EXPECT_EQ(outcome.results[0].isRead(), stillRead);
         EXPECT_EQ(outcome.added, 0);
     }
 }

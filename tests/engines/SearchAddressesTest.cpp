@@ -94,10 +94,7 @@ TEST(SearchServices, NameTheFaultOfAFileThatMakesNoSense)
     const auto bing = [](const QByteArray& entry) {
         return plist("<dict><key>Bing</key><dict><key>" + entry + "</dict></dict>");
     };
-    const struct {
-        QByteArray file;
-        const char* fault;
-    } cases[] = {
+    const std::tuple<QByteArray, const char*> cases[] = {
         {"no property list at all", ""},
         {plist("<array/>"), "must be a dictionary of services"},
         {plist("<dict><key>Gogle</key><dict/></dict>"), "\"Gogle\" is no service"},
@@ -110,10 +107,10 @@ TEST(SearchServices, NameTheFaultOfAFileThatMakesNoSense)
         {bing("host</key><string>a:80</string>"), "\"host\" must"},
         {bing("enabled</key><integer>2</integer>"), "\"enabled\" must"},
     };
-    for (const auto& c : cases) {
-        const auto loaded = SearchServices::fromPropertyList(c.file);
-        EXPECT_TRUE(loaded.error.startsWith(u"SearchServices.plist: ")) << c.file.constData();
-        EXPECT_TRUE(loaded.error.contains(QLatin1String(c.fault))) << qPrintable(loaded.error);
+    for (const auto& [file, fault] : cases) {
+        const auto loaded = SearchServices::fromPropertyList(file);
+        EXPECT_TRUE(loaded.error.startsWith(u"SearchServices.plist: ")) << file.constData();
+        EXPECT_TRUE(loaded.error.contains(QLatin1String(fault))) << qPrintable(loaded.error);
         EXPECT_EQ(loaded.services.origin(SearchService::Bing), u"http://www.bing.com");
     }
 }

@@ -15,10 +15,7 @@ TEST(BrokenImports, SayWhatIsWrongAndWhere)
 {
     const QByteArray golden = contentOf(QStringLiteral(QUARRY_TEST_DATA "/golden/Blacklist"));
     ASSERT_FALSE(golden.isEmpty());
-    const struct {
-        QByteArray bytes;
-        QString fault;
-    } cases[] = {
+    const std::tuple<QByteArray, QString> cases[] = {
         {"", u"it is empty"_s},
         {" \n", u"it is empty"_s},
         {"\x7f"
@@ -49,11 +46,10 @@ TEST(BrokenImports, SayWhatIsWrongAndWhere)
         {R"(<!DOCTYPE o [<!ENTITY a "aaaaaaaaaa"><!ENTITY b "&a;&a;&a;&a;">]><opml><body/></opml>)",
          u"declares a document type"_s},
     };
-    for (const auto& each : cases) {
-        const ImportedForest forest = readImport(each.bytes, QString());
+    for (const auto& [bytes, fault] : cases) {
+        const ImportedForest forest = readImport(bytes, QString());
         EXPECT_TRUE(forest.nodes.empty());
-        EXPECT_TRUE(forest.fault.contains(each.fault)) << forest.fault.toStdString() << "\n not \n"
-                                                       << each.fault.toStdString();
+        EXPECT_TRUE(forest.fault.contains(fault)) << forest.fault.toStdString() << "\n not \n" << fault.toStdString();
     }
 }
 

@@ -58,26 +58,21 @@ TEST_F(QuarryExchange, FilesAreReplacedWholeAndOnlyTheOwnerReadsNewOnes)
     ASSERT_TRUE(writeFile(target, "before"));
     ASSERT_TRUE(QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup));
     ASSERT_TRUE(QFile::link(target, link));
-    const struct {
-        QString arguments;
-        QString file;
-        QByteArray begins;
-        int mode;
-    } cases[] = {{u"-o a.opml"_s, u"a.opml"_s, "<?xml", 0x600},
-                 {u"-o b.ATOM"_s, u"b.ATOM"_s, "<?xml", 0x644},
-                 {u"inner -o c.qsexport"_s, u"c.qsexport"_s, "bplist", 0x600},
-                 {u"-o d.txt"_s, u"d.txt"_s, "{", 0x600},
-                 {u"-o e.txt --format csv"_s, u"e.txt"_s, "query,", 0x600},
-                 {u"-o link.csv"_s, u"target"_s, "query,", 0x640}};
-    for (const auto& each : cases) {
-        QuarryProcess quarry(home.path(), (u"export "_s + each.arguments).split(u' '), home.path());
+    const std::tuple<QString, QString, QByteArray, int> cases[] = {
+        {u"-o a.opml"_s, u"a.opml"_s, "<?xml", 0x600},
+        {u"-o b.ATOM"_s, u"b.ATOM"_s, "<?xml", 0x644},
+        {u"inner -o c.qsexport"_s, u"c.qsexport"_s, "bplist", 0x600},
+        {u"-o d.txt"_s, u"d.txt"_s, "{", 0x600},
+        {u"-o e.txt --format csv"_s, u"e.txt"_s, "query,", 0x600},
+        {u"-o link.csv"_s, u"target"_s, "query,", 0x640}};
+    for (const auto& [arguments, file, begins, mode] : cases) {
+        QuarryProcess quarry(home.path(), (u"export "_s + arguments).split(u' '), home.path());
         const Ran ran = quarry.wait();
-        const QString path = folder.filePath(each.file);
+        const QString path = folder.filePath(file);
         EXPECT_EQ(said(ran), u"Wrote "_s + path + u'\n');
-        EXPECT_TRUE(contentOf(path).startsWith(each.begins)) << each.file.toStdString();
-        EXPECT_EQ((int(QFileInfo(path).permissions()) >> 4 & 0xf00) | (int(QFileInfo(path).permissions()) & 0xff),
-                  each.mode)
-            << each.file.toStdString();
+        EXPECT_TRUE(contentOf(path).startsWith(begins)) << file.toStdString();
+        EXPECT_EQ((int(QFileInfo(path).permissions()) >> 4 & 0xf00) | (int(QFileInfo(path).permissions()) & 0xff), mode)
+            << file.toStdString();
     }
     EXPECT_TRUE(QFileInfo(link).isSymLink());
     EXPECT_EQ(folder.entryList({u".quarry*"_s}, QDir::Files | QDir::Hidden), QStringList());
@@ -108,11 +103,7 @@ TEST_F(QuarryExchange, FaultsAreToldAndChangeNothing)
     ASSERT_TRUE(
         writeFile(home.path() + u"/bad.opml"_s,
                   contentOf(home.path() + u"/good.opml"_s).replace("quarry:kind=\"folder\"", "quarry:kind=\"plain\"")));
-    const struct {
-        QString line;
-        int status;
-        QString complaint;
-    } cases[] = {
+    const std::tuple<QString, int, QString> cases[] = {
         {u"export --new --format opml"_s, 2, u"--new goes with results"_s},
         {u"export --format xml"_s, 2, u"must be one of json, csv, opml, atom, qsexport"_s},
         {u"export nothing"_s, 1, u"there is no query or folder \"nothing\""_s},
@@ -125,10 +116,10 @@ TEST_F(QuarryExchange, FaultsAreToldAndChangeNothing)
         {u"import ~/bad.opml"_s, 1, u"cannot import ~/bad.opml: line 8: a query has outlines below it"_s},
         {u"import ~/good.opml --into nowhere"_s, 1, u"there is no folder \"nowhere\""_s},
     };
-    for (const auto& each : cases) {
-        const Ran ran = run(each.line);
-        EXPECT_EQ(ran.status, each.status) << each.line.toStdString();
-        EXPECT_TRUE(ran.err.contains(QString(each.complaint).replace(u'~', home.path()))) << ran.err.toStdString();
+    for (const auto& [line, status, complaint] : cases) {
+        const Ran ran = run(line);
+        EXPECT_EQ(ran.status, status) << line.toStdString();
+        EXPECT_TRUE(ran.err.contains(QString(complaint).replace(u'~', home.path()))) << ran.err.toStdString();
         EXPECT_EQ(ran.out, QString());
     }
     EXPECT_EQ(contentOf(home->databaseFile()), before);

@@ -69,11 +69,7 @@ TEST_F(GatewayPages, NothingFromOutsideBecomesMarkup)
 
 TEST_F(GatewayPages, DocumentsKeepTheirLettersAndTitles)
 {
-    struct Case {
-        const char* name;
-        QByteArray content;
-        QByteArray title;
-    };
+    using Case = std::tuple<const char*, QByteArray, QByteArray>;
     const QList<Case> cases = {
         {"utf8.txt", "Stra\u00DFe und Weg\n\nmarker", "Stra\u00DFe und Weg"},
         {"latin1.txt",
@@ -97,16 +93,16 @@ TEST_F(GatewayPages, DocumentsKeepTheirLettersAndTitles)
         {"tag.html", "<title>&lt;canvas&gt;</title>marker", "tag.html"},
         {"numbers.txt", "12345\n67890 marker 1\n", "67890 marker 1"},
     };
-    for (const Case& each : cases)
-        write(each.name, each.content);
+    for (const auto& [name, content, title] : cases)
+        write(name, content);
     gateway.start();
     const QByteArray pages =
         gateway.get("/search?start=0&q=marker").body + gateway.get("/search?start=10&q=marker").body;
-    for (const Case& each : cases) {
-        const qsizetype link = pages.indexOf("/doc/" + QByteArray(each.name) + "&amp;");
-        ASSERT_GE(link, 0) << each.name;
+    for (const auto& [name, content, title] : cases) {
+        const qsizetype link = pages.indexOf("/doc/" + QByteArray(name) + "&amp;");
+        ASSERT_GE(link, 0) << name;
         const qsizetype begin = pages.indexOf("\">", link) + 2;
-        EXPECT_EQ(pages.mid(begin, pages.indexOf("</a>", begin) - begin), each.title) << each.name;
+        EXPECT_EQ(pages.mid(begin, pages.indexOf("</a>", begin) - begin), title) << name;
     }
     EXPECT_TRUE(gateway.get("/doc/latin1.txt").body.contains("Stra\u00DFe und Steg"));
     EXPECT_TRUE(gateway.get("/doc/page.html").header("Content-Security-Policy").contains("sandbox"));

@@ -300,10 +300,7 @@ TEST(QueryArchive, DamageGivesATreeOrAReason)
 
 TEST(QueryArchive, TrickedArchivesAreRefused)
 {
-    struct Case {
-        const char* what;
-        QByteArray bytes;
-    };
+    using Case = std::tuple<const char*, QByteArray>;
     // Every folder lists the next one twice: 2^40 ways down.
     QByteArray doubling;
     for (int next = 11; next < 51; ++next)
@@ -327,10 +324,10 @@ TEST(QueryArchive, TrickedArchivesAreRefused)
                                                           "\"&a;&a;\">]><plist")
                                        .replace("$null", "&b;")},
     };
-    for (const Case& tricked : cases) {
-        const LoadedTree tree = loadTree(tricked.bytes);
-        EXPECT_FALSE(tree.root) << tricked.what;
-        EXPECT_FALSE(tree.reason.isEmpty()) << tricked.what;
+    for (const auto& [what, bytes] : cases) {
+        const LoadedTree tree = loadTree(bytes);
+        EXPECT_FALSE(tree.root) << what;
+        EXPECT_FALSE(tree.reason.isEmpty()) << what;
     }
 }
 

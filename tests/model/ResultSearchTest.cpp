@@ -7,12 +7,7 @@ namespace quarry {
 TEST(ResultSearch, ComparesTitlesAndTextsWithoutCaseAndAccentsAndAddressesWithoutCase)
 {
     const auto text = [](const char16_t* s) { return QString::fromUtf16(s); };
-    struct Case {
-        const char16_t* wanted;
-        const char16_t* found;
-        bool inText;
-        bool inAddress;
-    };
+    using Case = std::tuple<const char16_t*, const char16_t*, bool, bool>;
     const std::vector<Case> cases = {
         {u"cafe", u"The CAF\u00C9 here", true, false},
         {u"caf\u00E9", u"the Cafe here", true, false},
@@ -28,12 +23,12 @@ TEST(ResultSearch, ComparesTitlesAndTextsWithoutCaseAndAccentsAndAddressesWithou
         {u"needle", u"needl", false, false},
         {u"\u00E9", u"plain", false, false},
     };
-    for (const Case& c : cases) {
-        const ResultSearch search(text(c.wanted));
-        const QString found = text(c.found);
-        EXPECT_EQ(search.matches(ResultRecord().withTitle(found)), c.inText) << found.toStdString();
-        EXPECT_EQ(search.matches(ResultRecord().withTextFromPage(found)), c.inText) << found.toStdString();
-        EXPECT_EQ(search.matches(ResultRecord().withUrl(Url::fromStored(found))), c.inAddress) << found.toStdString();
+    for (const auto& [wanted, shown, inText, inAddress] : cases) {
+        const ResultSearch search(text(wanted));
+        const QString found = text(shown);
+        EXPECT_EQ(search.matches(ResultRecord().withTitle(found)), inText) << found.toStdString();
+        EXPECT_EQ(search.matches(ResultRecord().withTextFromPage(found)), inText) << found.toStdString();
+        EXPECT_EQ(search.matches(ResultRecord().withUrl(Url::fromStored(found))), inAddress) << found.toStdString();
     }
     EXPECT_FALSE(ResultSearch("a"_q).matches(ResultRecord()));
 }

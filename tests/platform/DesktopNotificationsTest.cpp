@@ -37,26 +37,22 @@ protected:
 
 TEST_F(DesktopNotificationsTest, AreWrittenAsTheServerReadsThem)
 {
-    struct Case {
-        QStringList capabilities;
-        QString summary;
-        QString body;
-        QStringList actions;
-    };
+    using Case = std::tuple<QStringList, QString, QString, QStringList>;
     const QString title = QStringLiteral("QuarrySpotter");
     const QString plain = QStringLiteral("2 new for <b>R&D</b>\n1 new for tea");
-    for (const Case& expected : {Case{Everything,
-                                      title,
-                                      QStringLiteral("2 new for &lt;b&gt;R&amp;D&lt;/b&gt;\n1 new for tea"),
-                                      {QStringLiteral("default"), QStringLiteral("Open")}},
-                                 Case{{QStringLiteral("body")}, title, plain, {}},
-                                 Case{{}, title + QStringLiteral(": 2 new for <b>R&D</b> 1 new for tea"), {}, {}}}) {
-        NotificationServer server(expected.capabilities);
+    for (const auto& [capabilities, summary, body, actions] :
+         {Case{Everything,
+               title,
+               QStringLiteral("2 new for &lt;b&gt;R&amp;D&lt;/b&gt;\n1 new for tea"),
+               {QStringLiteral("default"), QStringLiteral("Open")}},
+          Case{{QStringLiteral("body")}, title, plain, {}},
+          Case{{}, title + QStringLiteral(": 2 new for <b>R&D</b> 1 new for tea"), {}, {}}}) {
+        NotificationServer server(capabilities);
         deliver("\n2 new for <b>R&D</b>\n1 new\a for tea");
         ASSERT_TRUE(waitFor([&] { return server.shown.size() == 1; }));
-        EXPECT_EQ(server.shown[0].summary, expected.summary);
-        EXPECT_EQ(server.shown[0].body, expected.body);
-        EXPECT_EQ(server.shown[0].actions, expected.actions);
+        EXPECT_EQ(server.shown[0].summary, summary);
+        EXPECT_EQ(server.shown[0].body, body);
+        EXPECT_EQ(server.shown[0].actions, actions);
         EXPECT_EQ(server.shown[0].hints.value(QStringLiteral("desktop-entry")).toString(), title);
         ASSERT_TRUE(counts(1));
     }

@@ -30,24 +30,20 @@ int codeOf(const QString& pattern)
 
 TEST(CSRegexTest, BadPatternsRaiseTheNumberedErrors)
 {
-    const struct {
-        const char* pattern;
-        int code;
-        const char* reason;
-    } rows[] = {
+    const std::tuple<const char*, int, const char*> rows[] = {
         {"a(b", 8, "Parentheses '( )' not balanced"},      {"a[b", 7, "Brackets '[ ]' not balanced"},
         {"a{1", 9, "Braces '{ }' not balanced"},           {"a{2,1}", 10, "Invalid repetition count(s) in '{ }'"},
         {"a{40000}", 12, "Ran out of memory (the counts"}, {"[z-a]", 11, "Invalid character range in '[ ]'"},
         {"[[:nope:]]", 4, "Invalid character class"},      {"a\\", 5, "'' applied to unescapable character"},
         {"(a)\\2", 6, "Invalid backreference number"},     {"*a", 13, "'?', '*', or '+' operand invalid"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [pattern, code, reason] : rows) {
         try {
-            const CSRegex regex(u(row.pattern));
-            ADD_FAILURE() << row.pattern << " compiled";
+            const CSRegex regex(u(pattern));
+            ADD_FAILURE() << pattern << " compiled";
         } catch (const CSRegexException& e) {
-            EXPECT_EQ(e.code(), row.code) << row.pattern;
-            EXPECT_TRUE(e.reason().startsWith(u(row.reason))) << row.pattern << ": " << e.what();
+            EXPECT_EQ(e.code(), code) << pattern;
+            EXPECT_TRUE(e.reason().startsWith(u(reason))) << pattern << ": " << e.what();
         }
     }
     EXPECT_EQ(CSRegex::messageForCode(2), u("Invalid regular expression REG_ECOLLATE invalid collating element"));

@@ -10,11 +10,7 @@ namespace {
 
 TEST(LocalisedFormat, FillsPlaceholdersInOneStep)
 {
-    struct Case {
-        QString format;
-        std::vector<FormatArgument> arguments;
-        QString filled;
-    };
+    using Case = std::tuple<QString, std::vector<FormatArgument>, QString>;
     const QString tricky = QStringLiteral("100%d %@ %2$@ %%");
     const std::vector<Case> cases = {
         {QStringLiteral("\n%ld new: %@"), {qint64{3}, tricky}, QStringLiteral("\n3 new: ") + tricky},
@@ -25,8 +21,8 @@ TEST(LocalisedFormat, FillsPlaceholdersInOneStep)
         {QStringLiteral("100 % sure, %"), {QStringLiteral("a")}, QStringLiteral("100 % sure, %")},
         {QString(), {}, QString()},
     };
-    for (const Case& c : cases)
-        EXPECT_EQ(filledFormat(c.format, c.arguments), c.filled) << c.format.toStdString();
+    for (const auto& [format, arguments, filled] : cases)
+        EXPECT_EQ(filledFormat(format, arguments), filled) << format.toStdString();
 }
 
 TEST(LocalisedFormat, NamesPlaceholdersAlikeInAnyOrder)

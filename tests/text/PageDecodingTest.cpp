@@ -19,12 +19,7 @@ const QString japanese =
 
 TEST(PageDecoding, AResultPageIsDecodedByTheFirstDeclarationThatConverts)
 {
-    struct Case {
-        QByteArray page;
-        QString contentType;
-        QString text;
-        EncodingNumber encoding;
-    };
+    using Case = std::tuple<QByteArray, QString, QString, EncodingNumber>;
     const QString accented = u"caf\u00e9"_qs;
     const QByteArray latin = "caf\xE9";
     const QByteArray utf8 = "caf\xC3\xA9";
@@ -55,10 +50,10 @@ TEST(PageDecoding, AResultPageIsDecodedByTheFirstDeclarationThatConverts)
         {toEncoding(japanese, 0x80000820), {}, japanese, 0x80000820},
         {{}, {}, {}, 4},
     };
-    for (const Case& c : cases) {
-        const DecodedPage decoded = decodeResultPage(c.page, c.contentType);
-        EXPECT_EQ(decoded.text, c.text) << c.page.toPercentEncoding().constData() << '\n' << qPrintable(decoded.text);
-        EXPECT_EQ(decoded.encoding, c.encoding) << c.page.toPercentEncoding().constData();
+    for (const auto& [page, contentType, text, encoding] : cases) {
+        const DecodedPage decoded = decodeResultPage(page, contentType);
+        EXPECT_EQ(decoded.text, text) << page.toPercentEncoding().constData() << '\n' << qPrintable(decoded.text);
+        EXPECT_EQ(decoded.encoding, encoding) << page.toPercentEncoding().constData();
     }
 }
 

@@ -68,13 +68,8 @@ TEST_F(PageText, CharsetsAreLookedUpAndUnknownOnesLogged)
 
 TEST_F(PageText, BothCleanFormsReadWhatTheBytesOrTheDeclarationTell)
 {
-    struct Case {
-        QByteArray page;
-        QString contentType;
-        std::optional<QString> clean;  ///< By the first form.
-        std::optional<QString> clean2; ///< By the second.
-        int logged;                    ///< Lines of both.
-    };
+    // A page, its type, its text by the first form and by the second, and the lines that both log.
+    using Case = std::tuple<QByteArray, QString, std::optional<QString>, std::optional<QString>, int>;
     const QByteArray end = "<p>That is all for today, goodbye.";
     const QString rest = u"caf\u00e9 That is all for today, goodbye."_qs;
     const Case cases[] = {
@@ -88,13 +83,13 @@ TEST_F(PageText, BothCleanFormsReadWhatTheBytesOrTheDeclarationTell)
         {"<body>caf\xE9" + end, {}, std::nullopt, std::nullopt, 0},
         {"<body>caf\xE9" + end, u"text/html; charset=latin1"_qs, std::nullopt, rest, 0},
     };
-    for (const Case& c : cases) {
+    for (const auto& [page, contentType, clean, clean2, logged] : cases) {
         lines.clear();
-        FakePageLoader loader([&](const QByteArray&) { return FakePageLoader::page(c.page, c.contentType); });
-        EXPECT_EQ(cleanStringWithContentsOfURL(loader, address), c.clean) << c.page.toPercentEncoding().constData();
+        FakePageLoader loader([answer = FakePageLoader::page(page, contentType)](const QByteArray&) { return answer; });
+        EXPECT_EQ(cleanStringWithContentsOfURL(loader, address), clean) << page.toPercentEncoding().constData();
         EXPECT_EQ(loader.requests().size(), 1U);
-        EXPECT_EQ(cleanStringWithContentsOfURL2(loader, address), c.clean2) << c.page.toPercentEncoding().constData();
-        EXPECT_EQ(lines.size(), c.logged) << qPrintable(lines.join(u'\n'));
+        EXPECT_EQ(cleanStringWithContentsOfURL2(loader, address), clean2) << page.toPercentEncoding().constData();
+        EXPECT_EQ(lines.size(), logged) << qPrintable(lines.join(u'\n'));
     }
 }
 

@@ -79,23 +79,20 @@ QString generated(std::mt19937& random, const QList<QString>& pieces)
 
 TEST(Spans, OnePassRemovesWhatRestartsRemove)
 {
-    const struct {
-        QString begin, end;
-        QList<QString> pieces;
-    } alphabets[] = {
+    const std::tuple<QString, QString, QList<QString>> alphabets[] = {
         {u"<!--"_qs, u"-->"_qs, split(u"<¦!¦-¦--¦>¦<!-¦x")},
         {u"<Script"_qs, u"</scripT>"_qs, split(u"<script¦</script>¦<SCR¦ipt¦</¦>¦\u017f")},
         {u"ab"_qs, u"ba"_qs, split(u"a¦B")},
         {u"aab"_qs, u"a"_qs, split(u"a¦b¦A")},
     };
     std::mt19937 random(20011);
-    for (const auto& each : alphabets) {
+    for (const auto& [begin, end, pieces] : alphabets) {
         for (int i = 0; i < 5000; ++i) {
-            const QString text = generated(random, each.pieces);
+            const QString text = generated(random, pieces);
             QString once = text;
             QString restarted = text;
-            removeHTMLTagBeginingWith(once, each.begin, each.end);
-            naive::removeSpans(restarted, each.begin, each.end);
+            removeHTMLTagBeginingWith(once, begin, end);
+            naive::removeSpans(restarted, begin, end);
             ASSERT_EQ(once, restarted) << qPrintable(text);
         }
     }
