@@ -9,19 +9,18 @@ _quarry_titles() {
     quarry list --json "${home[@]}" 2>/dev/null | sed -n 's/^ *"title": "\([^\\]*\)",\{0,1\}$/\1/p'
 }
 
+_quarry_offer_titles() {
+    local title
+    while IFS= read -r title; do
+        if [[ ${title,,} == "${1,,}"* ]]; then COMPREPLY+=("$(printf '%q' "$title")"); fi
+    done < <(_quarry_titles)
+}
+
 _quarry() {
     local groups="agent blacklist offline" # commands that hold commands
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
     local -a command=()
     COMPREPLY=()
-    if [[ $previous == --home ]]; then
-        compopt -o dirnames
-        return
-    fi
-    if [[ $previous == -o || $previous == --output ]]; then
-        compopt -o default
-        return
-    fi
     local i
     for ((i = 1; i < COMP_CWORD; i++)); do
         if [[ ${COMP_WORDS[i]} == --home ]]; then
@@ -31,24 +30,38 @@ _quarry() {
             if [[ ${#command[@]} -gt 1 || " $groups " != *" ${command[*]} "* ]]; then break; fi
         fi
     done
-    local words
-    if [[ ${#command[@]} -eq 0 || " $groups " == *" ${command[*]} "* ]]; then
-        words=$(quarry "${command[@]}" --help 2>/dev/null | sed -n '/^Examples/q; s/^  \(-*[a-z][a-z-]*\).*/\1/p')
-        mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
-    elif [[ $current == -* ]]; then
-        words=$(quarry "${command[@]}" --help 2>/dev/null | sed -n '/^Examples/q; s/^  .*\(--[a-z-]*\).*/\1/p')
-        mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
-    elif [[ ${command[0]} == import && $previous != --into ]]; then
-        compopt -o default
-    elif [[ ${command[0]} == schedule ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "on off every" -- "$current")
-    elif [[ ${command[0]} != blacklist && ${command[0]} != agent && ${command[0]} != update ]]; then
-        if [[ ${command[0]} == offline ]]; then compopt -o dirnames; fi
-        local title
-        while IFS= read -r title; do
-            if [[ ${title,,} == "${current,,}"* ]]; then COMPREPLY+=("$(printf '%q' "$title")"); fi
-        done < <(_quarry_titles)
+    local help words='' value=''
+    help=$(quarry "${command[@]}" --help 2>/dev/null | sed '/^Examples/,$d')
+    if [[ $previous == -* ]]; then # What the help says that this option takes.
+        value=$(sed -n "s/^  \(-.,\)\{0,1\}$previous\(,--[a-z-]*\)\{0,1\} \([^ ][^ ]*\).*/\3/p" <<<"$help")
     fi
+    if [[ -n $value ]]; then
+        case $value in
+        DIR) compopt -o dirnames ;;
+        FILE) compopt -o default ;;
+        FOLDER) _quarry_offer_titles "$current" ;;
+        *) mapfile -t COMPREPLY < <(compgen -W "$(tr -s '|A-Z' ' ' <<<"$value")" -- "$current") ;;
+        esac
+        return
+    fi
+    if [[ $current == -* ]]; then
+        words=$(sed -n 's/^  \(-.,\)\{0,1\}\(--[a-z-]*\).*/\2/p' <<<"$help")
+    elif [[ ${#command[@]} -eq 0 || " $groups " == *" ${command[*]} "* ]]; then
+        words=$(sed -n 's/^  \([a-z][a-z-]*\) .*/\1/p' <<<"$help")
+    else
+        case ${command[0]} in
+        import) compopt -o default ;;
+        schedule) words="on off every" ;;
+        services) words=$(sed -n 's/^  services \.\.\. *\(.*\);.*/\1/p' <<<"${help//,/}") ;;
+        add | add-folder | agent | blacklist | log | prefs | update) ;;
+        *)
+            if [[ ${command[0]} == offline ]]; then compopt -o dirnames; fi
+            _quarry_offer_titles "$current"
+            ;;
+        esac
+        [[ -n $words ]] || return 0
+    fi
+    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
 }
 
 complete -F _quarry quarry

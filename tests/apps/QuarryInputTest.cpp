@@ -89,12 +89,14 @@ TEST(QuarryInput, CompletionKnowsCommandsOptionsAndTitles)
     } cases[] = {
         {{u"re"_s}, u"results rename remove read refresh"_s},
         {{u"results"_s, u"--s"_s}, u"--sort --search"_s},
+        {{u"results"_s, u"--sort"_s, u"r"_s}, u"rank rating"_s},
+        {{u"unhide"_s, u"--hi"_s}, u""_s}, // An option that its help mentions.
+        {{u"services"_s, u"B"_s}, u"Bing"_s},
         {{u"--home"_s, home.path(), u"show"_s, u"RAI"_s}, u"raised\\ bed"_s},
         {{u"--home"_s, home.path(), u"show"_s, u"x"_s}, u""_s},
         {{u"blacklist"_s, u"a"_s}, u"add"_s},
         {{u"agent"_s, u"st"_s}, u"start stop status"_s},
         {{u"schedule"_s, u"o"_s}, u"on off"_s},
-        {{u"export"_s, u"--f"_s}, u"--format"_s},
         {{u"--home"_s, home.path(), u"export"_s, u"RAI"_s}, u"raised\\ bed"_s},
         {{u"--home"_s, home.path(), u"import"_s, u"x"_s, u"--into"_s, u"RAI"_s}, u"raised\\ bed"_s},
         {{u"blacklist"_s, u"add"_s, u"--t"_s}, u"--type"_s},
