@@ -56,6 +56,7 @@ std::optional<GatewayOptions> GatewayOptions::fromCommandLine(int argc, char** a
 {
     CLI::App app(description, "quarry-gateway");
     app.footer(examples);
+    app.set_version_flag("--version", QUARRY_VERSION);
     std::string folder, index, services, address = "127.0.0.1";
     GatewayOptions options;
     app.add_option("--folder", folder, "Folder of documents (default: /usr/share/doc, else the bundled texts)")

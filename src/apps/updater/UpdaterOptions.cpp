@@ -33,6 +33,7 @@ std::optional<UpdaterOptions> UpdaterOptions::fromCommandLine(int argc, char** a
 {
     CLI::App app(description, "QuarrySpotterUpdater");
     app.footer(footer);
+    app.set_version_flag("--version", QUARRY_VERSION);
     std::vector<std::string> queries;
     std::string home;
     UpdaterOptions options;
