@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 using namespace quarry;
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -22,7 +23,7 @@ QDir resources()
 
 QStringList languages()
 {
-    return resources().entryList({QStringLiteral("*.lproj")}, QDir::Dirs);
+    return resources().entryList({u"*.lproj"_s}, QDir::Dirs);
 }
 
 /// Key and text of "LANGUAGE.lproj/TABLE".
@@ -41,10 +42,9 @@ QMap<QString, QString> tableOf(const QString& language, const QString& table)
 /// Every text in the sources and the layouts that has the form of a key, and the messages that are keys themselves.
 QStringList keysInUse()
 {
-    static const QRegularExpression literal(QStringLiteral("[\">]((?:[0-9]{3}|Updater_1\\.0)_[^\"%<]+)[\"<]"));
+    static const QRegularExpression literal(u"[\">]((?:[0-9]{3}|Updater_1\\.0)_[^\"%<]+)[\"<]"_s);
     QStringList keys;
-    QDirIterator sources(QStringLiteral(QUARRY_TEST_DATA "/../../src"),
-                         {QStringLiteral("*.cpp"), QStringLiteral("*.h"), QStringLiteral("*.ui")}, QDir::Files,
+    QDirIterator sources(QStringLiteral(QUARRY_TEST_DATA "/../../src"), {u"*.cpp"_s, u"*.h"_s, u"*.ui"_s}, QDir::Files,
                          QDirIterator::Subdirectories);
     while (sources.hasNext()) {
         QFile source(sources.next());
@@ -66,7 +66,7 @@ TEST(Localisation, EveryKeyInTheSourcesHasATextInEveryLanguage)
     EXPECT_GE(keys.size(), 7) << "the services' languages and the placeholders at least";
     for (const QString& language : languages()) {
         QMap<QString, QString> texts;
-        for (const QString& table : QDir(resources().filePath(language)).entryList({QStringLiteral("*.strings")}))
+        for (const QString& table : QDir(resources().filePath(language)).entryList({u"*.strings"_s}))
             texts.insert(tableOf(language, table));
         for (const QString& key : keys)
             EXPECT_TRUE(texts.contains(key)) << language.toStdString() << " lacks " << key.toStdString();
@@ -75,10 +75,10 @@ TEST(Localisation, EveryKeyInTheSourcesHasATextInEveryLanguage)
 
 TEST(Localisation, TablesOfAllLanguagesHaveTheSameKeysAndPlaceholders)
 {
-    const QString english = QStringLiteral("English.lproj");
-    EXPECT_EQ(languages(), (QStringList{english, QStringLiteral("French.lproj"), QStringLiteral("German.lproj")}));
-    const QStringList tables = QDir(resources().filePath(english)).entryList({QStringLiteral("*.strings")});
-    ASSERT_TRUE(tables.contains(QStringLiteral("Localizable.strings")));
+    const QString english = u"English.lproj"_s;
+    EXPECT_EQ(languages(), (QStringList{english, u"French.lproj"_s, u"German.lproj"_s}));
+    const QStringList tables = QDir(resources().filePath(english)).entryList({u"*.strings"_s});
+    ASSERT_TRUE(tables.contains(u"Localizable.strings"_s));
     for (const QString& name : tables) {
         const QMap<QString, QString> expected = tableOf(english, name);
         for (const QString& language : languages()) {
@@ -95,16 +95,16 @@ TEST(Localisation, TablesOfAllLanguagesHaveTheSameKeysAndPlaceholders)
 
 TEST(Localisation, MenuTextsHaveTheFormThatTheAgentReliesOn)
 {
-    for (const QString& locale : {QStringLiteral("en_GB.UTF-8"), QStringLiteral("fr_FR"), QStringLiteral("de")}) {
+    for (const QString& locale : {u"en_GB.UTF-8"_s, u"fr_FR"_s, u"de"_s}) {
         const StringTable texts(resources().path(), {locale});
-        const QString countdown = texts.text(QStringLiteral("100_Update menu string format"));
-        EXPECT_EQ(placeholdersOf(countdown), (QStringList{QStringLiteral("1@"), QStringLiteral("2@")}));
-        EXPECT_EQ(texts.text(QStringLiteral("100_Not determinated")).toInt(), 0) << "its number is 0";
+        const QString countdown = texts.text(u"100_Update menu string format"_s);
+        EXPECT_EQ(placeholdersOf(countdown), (QStringList{u"1@"_s, u"2@"_s}));
+        EXPECT_EQ(texts.text(u"100_Not determinated"_s).toInt(), 0) << "its number is 0";
         for (const char* key :
              {"113_Template string for queries result", "113_Template string for queries result Singular form"}) {
             const QString line = texts.text(QLatin1String(key));
             EXPECT_TRUE(line.startsWith(u'\n') && line.endsWith(QLatin1String("%@"))) << line.toStdString();
-            EXPECT_EQ(placeholdersOf(line), (QStringList{QStringLiteral("1d"), QStringLiteral("2@")}));
+            EXPECT_EQ(placeholdersOf(line), (QStringList{u"1d"_s, u"2@"_s}));
         }
     }
 }

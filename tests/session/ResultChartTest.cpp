@@ -10,6 +10,7 @@
 
 using namespace quarry;
 using namespace quarry::test;
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -31,7 +32,7 @@ ResultRecord found(const QString& localTime, const char* engine, const QTimeZone
 
 QueryCorePtr queryWith(const ResultList& visible, const ResultList& hidden = {})
 {
-    const QueryCorePtr query = QueryCore::initWithQuery(QStringLiteral("pond"));
+    const QueryCorePtr query = QueryCore::initWithQuery(u"pond"_s);
     query->restoreResults(visible, hidden);
     return query;
 }
@@ -42,34 +43,31 @@ QStringList told(const ResultChart& chart)
     QStringList lines;
     for (const ResultChart::Day& day : chart.days) {
         if (day.results > 0)
-            lines.append(QStringLiteral("%1: %2").arg(day.date.toString(QStringLiteral("d/M"))).arg(day.results));
+            lines.append(u"%1: %2"_s.arg(day.date.toString(u"d/M"_s)).arg(day.results));
     }
     return lines;
 }
 
 TEST(ResultChartTest, CountsTheDaysOfTheCalendarAndTheServicesBelowAFolder)
 {
-    const QueryCorePtr folder = QueryCore::initWithQueryFolder(QStringLiteral("Garden"));
-    folder->addChild(
-        queryWith({found(QStringLiteral("2024-11-05T09:00:00"), "1"), found(QStringLiteral("2024-11-04T23:59:59"), "2"),
-                   found(QStringLiteral("2024-10-07T00:00:00"), "2"), found(QStringLiteral("2024-10-06T23:59:59"), "2"),
-                   found(QStringLiteral("2024-11-06T00:00:01"), "2"), ResultRecord().withRank(1)},
-                  {found(QStringLiteral("2024-11-05T00:00:00"), "5")}));
-    folder->addChild(queryWith({found(QStringLiteral("2024-11-05T23:00:00"), "1")}));
+    const QueryCorePtr folder = QueryCore::initWithQueryFolder(u"Garden"_s);
+    folder->addChild(queryWith({found(u"2024-11-05T09:00:00"_s, "1"), found(u"2024-11-04T23:59:59"_s, "2"),
+                                found(u"2024-10-07T00:00:00"_s, "2"), found(u"2024-10-06T23:59:59"_s, "2"),
+                                found(u"2024-11-06T00:00:01"_s, "2"), ResultRecord().withRank(1)},
+                               {found(u"2024-11-05T00:00:00"_s, "5")}));
+    folder->addChild(queryWith({found(u"2024-11-05T23:00:00"_s, "1")}));
 
-    const ResultChart chart = ResultChart::of(folder, at(QStringLiteral("2024-11-05T12:00:00")), Berlin);
+    const ResultChart chart = ResultChart::of(folder, at(u"2024-11-05T12:00:00"_s), Berlin);
     ASSERT_EQ(chart.days.size(), ResultChart::DayCount);
     EXPECT_EQ(chart.days.first().date, QDate(2024, 10, 7));
-    EXPECT_EQ(told(chart),
-              (QStringList{QStringLiteral("7/10: 1"), QStringLiteral("4/11: 1"), QStringLiteral("5/11: 3")}))
+    EXPECT_EQ(told(chart), (QStringList{u"7/10: 1"_s, u"4/11: 1"_s, u"5/11: 3"_s}))
         << "what was found before the days, or by a clock that is ahead, is in none of them";
     EXPECT_EQ(chart.resultsOfDays(), 5);
     EXPECT_EQ(chart.most(), 3);
     QStringList shares;
     for (const ResultChart::Share& share : chart.services)
-        shares.append(QStringLiteral("%1: %2").arg(share.engineId).arg(share.results));
-    EXPECT_EQ(shares, (QStringList{QStringLiteral("2: 4"), QStringLiteral("1: 2"), QStringLiteral(": 1"),
-                                   QStringLiteral("5: 1")}));
+        shares.append(u"%1: %2"_s.arg(share.engineId).arg(share.results));
+    EXPECT_EQ(shares, (QStringList{u"2: 4"_s, u"1: 2"_s, u": 1"_s, u"5: 1"_s}));
 
     const ResultChart::Cancelled cancelled{true};
     EXPECT_TRUE(ResultChart::of(folder, Date(), Berlin, &cancelled).days.isEmpty());
@@ -85,26 +83,17 @@ TEST(ResultChartTest, KnowsDaysOf23And25Hours)
         QStringList told;
     };
     const Case cases[] = {
-        {"Europe/Berlin",
-         "2024-03-31T23:59:59",
-         "2024-04-01T00:00:00",
-         {QStringLiteral("31/3: 1"), QStringLiteral("1/4: 1")}},
-        {"Europe/Berlin",
-         "2024-10-27T23:59:59",
-         "2024-10-28T00:00:00",
-         {QStringLiteral("27/10: 1"), QStringLiteral("28/10: 1")}},
+        {"Europe/Berlin", "2024-03-31T23:59:59", "2024-04-01T00:00:00", {u"31/3: 1"_s, u"1/4: 1"_s}},
+        {"Europe/Berlin", "2024-10-27T23:59:59", "2024-10-28T00:00:00", {u"27/10: 1"_s, u"28/10: 1"_s}},
         // Here the clocks are put forward at midnight: the day begins at one o'clock.
-        {"America/Asuncion",
-         "2023-09-30T23:59:59",
-         "2023-10-01T01:00:00",
-         {QStringLiteral("30/9: 1"), QStringLiteral("1/10: 1")}},
+        {"America/Asuncion", "2023-09-30T23:59:59", "2023-10-01T01:00:00", {u"30/9: 1"_s, u"1/10: 1"_s}},
     };
     for (const Case& each : cases) {
         const QTimeZone zone(each.zone);
         const QString second = QString::fromLatin1(each.second);
         const QueryCorePtr query =
             queryWith({found(QString::fromLatin1(each.first), "1", zone), found(second, "1", zone)});
-        EXPECT_EQ(told(ResultChart::of(query, at(second.left(11) + QStringLiteral("20:00:00"), zone), zone)), each.told)
+        EXPECT_EQ(told(ResultChart::of(query, at(second.left(11) + u"20:00:00"_s, zone), zone)), each.told)
             << each.zone << ' ' << each.second;
     }
 }
@@ -116,9 +105,8 @@ TEST(ChartLoaderTest, AnswersTheLatestRequestOnly)
     QList<qint64> answers;
     ChartLoader loader(timers, clock,
                        [&answers](const ResultChart& chart) { answers.append(chart.resultsOfServices()); });
-    loader.load(queryWith({ResultRecord().withLinkUuid(QStringLiteral("a"))}));
-    loader.load(queryWith(
-        {ResultRecord().withLinkUuid(QStringLiteral("a")), ResultRecord().withLinkUuid(QStringLiteral("b"))}));
+    loader.load(queryWith({ResultRecord().withLinkUuid(u"a"_s)}));
+    loader.load(queryWith({ResultRecord().withLinkUuid(u"a"_s), ResultRecord().withLinkUuid(u"b"_s)}));
     ASSERT_TRUE(timers.runUntil([&answers] { return !answers.isEmpty(); }));
     EXPECT_EQ(answers, QList<qint64>{2});
 }

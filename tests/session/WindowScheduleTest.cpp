@@ -100,18 +100,6 @@ TEST_F(WindowScheduleTest, ThePeriodCountsFromTheEndOfARefreshHoweverItEnded)
     EXPECT_EQ(started, 2);
 }
 
-TEST_F(WindowScheduleTest, AMachineThatSleptPastSeveralDueTimesRefreshesOnce)
-{
-    setLastUpdate(0);
-    schedule.start();
-    pass(10 * 3600);
-    EXPECT_EQ(started, 1);
-    isRunning = false;
-    schedule.refreshEnded();
-    pass(1);
-    EXPECT_EQ(started, 1);
-}
-
 TEST_F(WindowScheduleTest, AClockThatWasPutBackDelaysByNoMoreThanAPeriod)
 {
     setLastUpdate(0);
