@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QShortcut>
+#include <QStyledItemDelegate>
 
 namespace quarry {
 
@@ -12,6 +13,23 @@ namespace {
 
 /// The kinds of simple rules, in the order of the menu.
 constexpr qint64 MenuTags[] = {BlacklistType::Text, BlacklistType::Domain, BlacklistType::FileType};
+
+/// Pixels above and below the text of a row, together.
+constexpr int RowSpace = 8;
+
+/// A rule's text runs from left to right in every language, and stands where the window's texts stand.
+class RuleDelegate final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->displayAlignment = QStyle::visualAlignment(option->direction, option->displayAlignment);
+        option->direction = Qt::LeftToRight;
+    }
+};
 
 } // namespace
 
@@ -21,11 +39,9 @@ void BlacklistEditorWinController::awakeFromNib()
     localiseForm(*this, _parts.texts);
     for (int i = 0; i < _ui->simpleRuleMenu->count(); ++i)
         _ui->simpleRuleMenu->setItemData(i, MenuTags[i]);
-    // The rest does not jump when they come and go.
-    QSizePolicy keepsPlace = _ui->removeFromBlacklistButton->sizePolicy();
-    keepsPlace.setRetainSizeWhenHidden(true);
-    _ui->removeFromBlacklistButton->setSizePolicy(keepsPlace);
-    _ui->noticeTF->hide();
+    // Addresses and expressions are read that way in every language.
+    for (QLineEdit* const field : {_ui->simpleRuleTF, _ui->regexpRuleTF, _ui->testAddressTF})
+        field->setLayoutDirection(Qt::LeftToRight);
     setUpTable();
     connectParts();
     connectWork();
@@ -43,6 +59,8 @@ void BlacklistEditorWinController::setUpTable()
     header.setSectionResizeMode(int(RuleColumn::Kind), QHeaderView::ResizeToContents);
     header.setSectionResizeMode(int(RuleColumn::Settings), QHeaderView::Stretch);
     table.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    table.verticalHeader()->setDefaultSectionSize(table.fontMetrics().height() + RowSpace);
+    table.setItemDelegateForColumn(int(RuleColumn::Settings), new RuleDelegate(&table));
     connect(table.selectionModel(), &QItemSelectionModel::selectionChanged, this,
             [this] { tableViewSelectionDidChange(); });
 }

@@ -335,7 +335,6 @@ void BlacklistEditorWinController::showRegexpHelp()
 void BlacklistEditorWinController::say(const QString& words)
 {
     _ui->noticeTF->setText(words);
-    _ui->noticeTF->setVisible(!words.isEmpty());
 }
 
 void BlacklistEditorWinController::sayReadFault()

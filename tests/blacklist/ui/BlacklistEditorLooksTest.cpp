@@ -65,9 +65,9 @@ TEST_F(BlacklistEditorLooks, EveryPartHasANameAndItsTurn)
     saveElsewhere({textRule("a")});
     open();
     clickCell(0, RuleColumn::Kind);
-    const char* const order[] = {"tableViewBL",  "removeFromBlacklistButton", "qt_tabwidget_tabbar", "simpleRuleMenu",
-                                 "simpleRuleTF", "caseSensitiveButton",       "testAddressTF",       "testAddrButton",
-                                 "cancelButton"};
+    const char* const order[] = {"tableViewBL",   "qt_tabwidget_tabbar", "simpleRuleMenu",
+                                 "simpleRuleTF",  "caseSensitiveButton", "removeFromBlacklistButton",
+                                 "testAddressTF", "testAddrButton",      "cancelButton"};
     for (const char* const name : order) {
         QWidget* const focused = QApplication::focusWidget();
         ASSERT_NE(focused, nullptr) << name;

@@ -108,7 +108,7 @@ protected:
         return lines;
     }
     QString answer() { return part<QLabel>("testAddressResultTF").text(); }
-    QString notice() { return part<QLabel>("noticeTF").isVisible() ? part<QLabel>("noticeTF").text() : QString(); }
+    QString notice() { return part<QLabel>("noticeTF").text(); }
 
     /// As another program adds rules.
     void saveElsewhere(const QList<BlacklistRule>& rules)
