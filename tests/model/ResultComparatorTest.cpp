@@ -20,23 +20,34 @@ R addressed(const QString& address)
     return R().withUrl(Url::fromStored(address));
 }
 
-struct Case {
-    const char* what;
-    R a;
-    R b;
-    std::int32_t order;
-    int expected;
-};
-
 const QString Upper = "Z"_q;
 const QString Lower = "a"_q;
 /// A private-use character of one unit, and a character of two units, the first of which is smaller.
 const QString OneUnit = QString(QChar(0xE000));
 const QString TwoUnits = QString::fromUcs4(U"\U0001F600");
 
-const std::vector<Case>& cases()
+ResultRecord randomRecord(std::mt19937& random)
 {
-    static const std::vector<Case> list = {
+    const auto roll = [&random](int sides) { return static_cast<int>(random() % static_cast<unsigned>(sides)); };
+    R record = R().withLinkUuid(QString::number(random()));
+    if (roll(3) != 0)
+        record = record.withDateOfFind(Date(roll(20)));
+    if (roll(3) != 0)
+        record = record.withRank(roll(10));
+    if (roll(2) != 0)
+        record = record.withRating(roll(6));
+    if (roll(3) != 0)
+        record = record.withUserSaw(roll(2) != 0);
+    if (roll(4) != 0)
+        record = record.withTitle(QString::number(roll(30))).withUrl(Url::fromStored(QString::number(roll(30))));
+    return record;
+}
+
+} // namespace
+
+TEST(ResultComparator, AnswersAsEachOrderSays)
+{
+    const std::tuple<const char*, R, R, std::int32_t, int> cases[] = {
         {"1: oldest first", dated(1), dated(2), 1, -1},
         {"1: a missing date is the same", dated(1), R(), 1, 0},
         {"2: newest first", dated(1), dated(2), 2, 1},
@@ -63,33 +74,9 @@ const std::vector<Case>& cases()
         {"other: same state, both entries", dated(1).withUserSaw(true), dated(2).withUserSaw(true), -1, 0},
         {"other: same state, no entry: newest first", dated(1).withRank(1), dated(2).withRank(2), 0, 1},
     };
-    return list;
-}
-
-ResultRecord randomRecord(std::mt19937& random)
-{
-    const auto roll = [&random](int sides) { return static_cast<int>(random() % static_cast<unsigned>(sides)); };
-    R record = R().withLinkUuid(QString::number(random()));
-    if (roll(3) != 0)
-        record = record.withDateOfFind(Date(roll(20)));
-    if (roll(3) != 0)
-        record = record.withRank(roll(10));
-    if (roll(2) != 0)
-        record = record.withRating(roll(6));
-    if (roll(3) != 0)
-        record = record.withUserSaw(roll(2) != 0);
-    if (roll(4) != 0)
-        record = record.withTitle(QString::number(roll(30))).withUrl(Url::fromStored(QString::number(roll(30))));
-    return record;
-}
-
-} // namespace
-
-TEST(ResultComparator, AnswersAsEachOrderSays)
-{
-    for (const Case& c : cases()) {
-        EXPECT_EQ(compareResults(c.a, c.b, c.order), c.expected) << c.what;
-        EXPECT_EQ(compareResults(c.b, c.a, c.order), -c.expected) << c.what << ", the other way round";
+    for (const auto& [what, a, b, order, expected] : cases) {
+        EXPECT_EQ(compareResults(a, b, order), expected) << what;
+        EXPECT_EQ(compareResults(b, a, order), -expected) << what << ", the other way round";
     }
 }
 

@@ -142,14 +142,14 @@ inline QString difference(const QJsonValue& a, const QJsonValue& b, const QStrin
     if (a.isObject() && b.isObject()) {
         QStringList keys = a.toObject().keys() + b.toObject().keys();
         for (const QString& key : std::as_const(keys)) {
-            const QString inner = difference(a[key], b[key], path + u'/' + key);
+            QString inner = difference(a[key], b[key], path + u'/' + key);
             if (!inner.isEmpty())
                 return inner;
         }
     }
     if (a.isArray() && b.isArray() && a.toArray().size() == b.toArray().size()) {
         for (qsizetype i = 0; i < a.toArray().size(); ++i) {
-            const QString inner = difference(a[i], b[i], path + u'/' + QString::number(i));
+            QString inner = difference(a[i], b[i], path + u'/' + QString::number(i));
             if (!inner.isEmpty())
                 return inner;
         }

@@ -44,7 +44,7 @@ TEST(Lines, CompareDigitsByTheirValue)
 
 TEST(Lines, HexadecimalPairsAreReadAsUtf8)
 {
-    expectAll(hexaToAscii, u" #4a4B →JK¦c3a9→\u00e9¦g1→\x01¦4g→@¦414→A¦4→¦ff→¦→");
+    expectAll(hexaToAscii, u" #4a4B →JK¦0541→\x05\u0041¦c3a9→\u00e9¦g1→\x01¦4g→@¦414→A¦4→¦ff→¦→");
 }
 
 TEST(Addresses, LoseAndGainComponents)
