@@ -35,7 +35,7 @@ WindowLayout WindowMemory::read() const
     const PlistValue::List expanded = entries.value(ExpandedKey).list().value_or(PlistValue::List());
     for (const PlistValue& uuid : expanded)
         layout.expandedFolders.append(uuid.text().value_or(QString()));
-    layout.selectedNode = entries.value(SelectedKey).text().value_or(QString());
+    layout.selectedNode = entries.value(SelectedKey).text();
     layout.order = entries.value(OrderKey).integer();
     return layout;
 }
@@ -52,7 +52,8 @@ QString WindowMemory::write(const WindowLayout& layout) const
         for (const QString& uuid : layout.expandedFolders)
             expanded.append(uuid);
         entries.insert(ExpandedKey, expanded);
-        entries.insert(SelectedKey, layout.selectedNode);
+        if (layout.selectedNode)
+            entries.insert(SelectedKey, *layout.selectedNode);
         if (layout.order)
             entries.insert(OrderKey, *layout.order);
     });

@@ -17,9 +17,9 @@ struct WindowLayout {
     QByteArray treeSplitter;
     QByteArray detailSplitter;
     QByteArray columns;
-    QStringList expandedFolders; ///< UUIDs
-    QString selectedNode;        ///< UUID; empty: none.
-    std::optional<qint64> order; ///< As in ResultComparator.h.
+    QStringList expandedFolders;         ///< UUIDs
+    std::optional<QString> selectedNode; ///< UUID; empty: everything.
+    std::optional<qint64> order;         ///< As in ResultComparator.h.
 
     friend bool operator==(const WindowLayout&, const WindowLayout&) = default;
 };

@@ -150,9 +150,10 @@ void TreePane::select(const QString& uuid)
     scrollTo(currentIndex());
 }
 
-void TreePane::selectOrFirst(const QString& uuid)
+void TreePane::selectOrFirst(const std::optional<QString>& uuid)
 {
-    select(_model.indexOf(uuid).isValid() ? uuid : uuidAt(_model.index(0, 0)));
+    const bool isThere = uuid && _model.indexOf(*uuid).isValid();
+    select(isThere ? *uuid : uuidAt(_model.index(1, 0))); // Below the row for everything.
 }
 
 bool TreePane::selectNextUnread()

@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <QTreeView>
 
+#include <optional>
+
 namespace quarry {
 
 /// The tree of folders and queries on the left. Keeps selection, expansion and scroll position when the tree is
@@ -29,8 +31,8 @@ public:
     void finishEditing();
     /// Selects that node alone.
     void select(const QString& uuid);
-    /// Selects that node, or the first row when it is not there.
-    void selectOrFirst(const QString& uuid);
+    /// Selects that node, or the first one when it is none or not there.
+    void selectOrFirst(const std::optional<QString>& uuid);
     /// Selects the next query below the shown node with unread results, or one from the top; false when no other has
     /// any.
     bool selectNextUnread();

@@ -4,6 +4,7 @@
 #include <QClipboard>
 #include <QLabel>
 #include <QMenu>
+#include <QPointer>
 #include <QProcess>
 #include <QScrollBar>
 #include <QTextBrowser>
@@ -165,12 +166,13 @@ TEST_F(MainWindowTest, ATitleIsTypedToItsEndWhateverHappensMeanwhile)
     openAt(pond);
     window->treePane().setFocus();
     QTest::keyClick(&window->treePane(), Qt::Key_F2);
-    QWidget* const editor = QApplication::focusWidget();
+    const QPointer<QWidget> editor = QApplication::focusWidget();
     ASSERT_TRUE(qobject_cast<QLineEdit*>(editor));
     QTest::keyClicks(editor, u"Still wa"_s);
     window->actions().markAllRead->trigger();
     edit([](Engine& database) { database.addQuery(u"stones"_s, false); });
     ASSERT_TRUE(happens([this] { return node(u"stones"_s) != nullptr; }));
+    ASSERT_TRUE(editor);
     QTest::keyClicks(editor, u"ters"_s);
     QTest::keyClick(editor, Qt::Key_Return);
     EXPECT_TRUE(happens([this] { return treeRow(u"stones"_s).isValid(); })) << "it waited";
