@@ -58,7 +58,7 @@ inline ResultRecord record(const QString& title, const QString& address, qint64 
 /// Folders in folders, every kind of query, odd texts, and results of which one is hidden.
 inline QueryCorePtr oddTree()
 {
-    const QueryCorePtr root = newRoot();
+    QueryCorePtr root = newRoot();
     const QueryCorePtr folder = QueryCore::initWithQueryFolder(OddText);
     const QueryCorePtr inner = QueryCore::initWithQueryFolder(u"inner"_s);
     const QueryCorePtr plain = QueryCore::initWithQuery(u"sourdough hydration"_s);
