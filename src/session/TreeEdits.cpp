@@ -35,7 +35,7 @@ QueryCorePtr folderOf(const QueryCorePtr& root, const QueryCorePtr& node)
     if (childs.contains(node))
         return root;
     for (const QueryCorePtr& child : childs) {
-        if (const QueryCorePtr found = child->isQueryFolder() ? folderOf(child, node) : nullptr)
+        if (QueryCorePtr found = child->isQueryFolder() ? folderOf(child, node) : nullptr)
             return found;
     }
     return nullptr;

@@ -86,7 +86,7 @@ void TreePane::rebuild()
             break;
     }
     if (kept.isEmpty()) {
-        selectOnly(current);
+        selectOnly(current.isValid() ? current : _model.index(0, 0));
     } else {
         const bool isCurrentThere = around.isEmpty() || uuidAt(current) == around.constFirst();
         selectOnly(isCurrentThere ? current : QModelIndex(kept.constFirst().topLeft()));
