@@ -42,7 +42,7 @@ TEST(BrokenImports, SayWhatIsWrongAndWhere)
         {opml("<outline text=\"a\" quarry:kind=\"plain\"><outline text=\"b\"/></outline>"), u"outlines below it"_s},
         {opml(QByteArray("<outline text=\"a\">").repeated(300)), u"nested more than 256 deep"_s},
         {opml(QByteArray("<outline text=\"a\"/>").repeated(100001)), u"more than 100000 outlines"_s},
-        {opml(QByteArray(64 * 1024 * 1024, ' ')), u"larger than 64 MiB"_s},
+        {opml(QByteArray(64 << 20, ' ')), u"larger than 64 MiB"_s},
         {R"(<!DOCTYPE o [<!ENTITY a "aaaaaaaaaa"><!ENTITY b "&a;&a;&a;&a;">]><opml><body/></opml>)",
          u"declares a document type"_s},
     };
