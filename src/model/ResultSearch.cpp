@@ -1,19 +1,58 @@
 #include "model/ResultSearch.h"
 
+#include "model/RecordData.h"
+
 #include <algorithm>
 #include <iterator>
+#include <numeric>
+#include <string_view>
 
 namespace quarry {
 
-ResultSearch::ResultSearch(const QString& searchString) : _text(searchString), _needle(searchString) {}
+namespace {
+
+/// Most texts are, and are searched as they lie in the file, a million of them while somebody types.
+bool isAscii(const StoredText& text)
+{
+    const std::string_view bytes = text.bytes();
+    // Without a way out, so that many are looked at at once.
+    return text.encoding() == StoredText::Encoding::Ascii &&
+           (std::accumulate(bytes.begin(), bytes.end(), 0, [](int all, char each) { return all | each; }) & 0x80) == 0;
+}
+
+std::string foldedIfAscii(const QString& text)
+{
+    std::string folded = text.toStdString();
+    if (qsizetype(folded.size()) != text.size())
+        return {};
+    std::transform(folded.begin(), folded.end(), folded.begin(), foldedAscii);
+    return folded;
+}
+
+} // namespace
+
+ResultSearch::ResultSearch(const QString& searchString)
+    : _text(searchString), _asciiText(foldedIfAscii(searchString)), _needle(searchString)
+{
+}
+
+bool ResultSearch::isInText(const StoredText& text) const
+{
+    return isAscii(text) ? _needle.isInAscii(text.bytes()) : _needle.isIn(text.toString());
+}
+
+bool ResultSearch::isInAddress(const StoredText& address) const
+{
+    return !_asciiText.empty() && isAscii(address) ? containsFoldedAscii(address.bytes(), _asciiText)
+                                                   : address.toString().contains(_text, Qt::CaseInsensitive);
+}
 
 bool ResultSearch::matches(const ResultRecord& record) const
 {
-    const auto hasNeedle = [this](const std::optional<QString>& text) { return text && _needle.isIn(*text); };
-    if (hasNeedle(record.title()) || hasNeedle(record.textFromPage()))
-        return true;
-    const std::optional<QString> address = record.urlText();
-    return address && address->contains(_text, Qt::CaseInsensitive);
+    const RecordData& data = record.data();
+    return (data.has(RecordKey::Title) && isInText(data.text(RecordKey::Title))) ||
+           (data.has(RecordKey::TextFromPage) && isInText(data.text(RecordKey::TextFromPage))) ||
+           (data.has(RecordKey::Url) && isInAddress(data.text(RecordKey::Url)));
 }
 
 bool ResultSearch::isWithin(const ResultSearch& other) const

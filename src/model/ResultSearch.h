@@ -1,9 +1,12 @@
 #pragma once
 
+#include "archive/StoredText.h"
 #include "model/ResultRecord.h"
 #include "text/Folding.h"
 
 #include <QString>
+
+#include <string>
 
 namespace quarry {
 
@@ -19,7 +22,11 @@ public:
     [[nodiscard]] ResultList filtered(const ResultList& records) const;
 
 private:
+    [[nodiscard]] bool isInText(const StoredText& text) const;
+    [[nodiscard]] bool isInAddress(const StoredText& address) const;
+
     QString _text;
+    std::string _asciiText; ///< In small letters, where it is ASCII.
     FoldedNeedle _needle;
 };
 

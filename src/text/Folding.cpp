@@ -51,7 +51,16 @@ QString foldedText(QStringView text)
     return caseFolded(kept).normalized(QString::NormalizationForm_C);
 }
 
-FoldedNeedle::FoldedNeedle(QStringView needle) : _folded(foldedText(needle)), _isAscii(isAscii(_folded)) {}
+bool containsFoldedAscii(std::string_view text, std::string_view folded)
+{
+    const auto isSame = [](char a, char b) { return foldedAscii(a) == b; };
+    return folded.empty() || std::search(text.begin(), text.end(), folded.begin(), folded.end(), isSame) != text.end();
+}
+
+FoldedNeedle::FoldedNeedle(QStringView needle)
+    : _folded(foldedText(needle)), _isAscii(isAscii(_folded)), _ascii(_isAscii ? _folded.toStdString() : std::string())
+{
+}
 
 bool FoldedNeedle::isIn(QStringView text) const
 {
