@@ -275,6 +275,36 @@ void mark(Desk& desk, const QueryCorePtr& node, const char* held)
     }
 }
 
+/// Marks everything as read, and takes it back.
+void markAll(Desk& desk)
+{
+    show(desk, nullptr);
+    MainWindow& window = desk.window();
+    const QString root = window.tree().root()->UUID();
+    const auto unread = [&] { return window.tree().counts().of(root).unread; };
+    const qint64 before = unread();
+    QAction* undo = nullptr;
+    const QList<QAction*> actions = window.findChildren<QAction*>();
+    for (QAction* const action : actions)
+        undo = action->shortcut() == QKeySequence(QKeySequence::Undo) ? action : undo;
+    for (int i = 0; i < 3; ++i) {
+        const Desk::Took marked =
+            desk.measure([&] { window.actions().markAllRead->trigger(); }, [&] { return unread() == 0; });
+        tell("mark all read, held", marked.longest);
+        tell("mark all read", marked.whole);
+        const Desk::Took undone = desk.measure([&] { undo->trigger(); }, [&] { return unread() == before; });
+        tell("mark all undone, held", undone.longest);
+        tell("mark all undone", undone.whole);
+        // What was undone cannot be done again from then on, and is let go.
+        window.resultsPane().list().selectRow(0);
+        QAction* const one = window.resultsPane().currentRow().data(ResultModel::UnreadRole).toBool()
+                                 ? window.actions().markRead
+                                 : window.actions().markUnread;
+        tell("mark after undo, held", desk.untilListed([one] { one->trigger(); }).longest);
+        desk.untilListed([undo] { undo->trigger(); });
+    }
+}
+
 /// Clicks through queries and marks results while the file is being written.
 void workDuringSave(Desk& desk)
 {
@@ -304,6 +334,7 @@ int use(const HomeFolder& home)
     type(desk, nullptr, "key in all, held", "key in all, listed");
     mark(desk, desk.queries().first(), "mark in query, held");
     mark(desk, nullptr, "mark in all, held");
+    markAll(desk);
     for (int i = 0; i < 20; ++i) {
         TreeCounts counts = desk.window().tree().counts();
         const StopWatch watch(CLOCK_THREAD_CPUTIME_ID);
@@ -421,6 +452,11 @@ int report(const Options& options)
                                                    {"key in all, listed", 0.0},
                                                    {"mark in query, held", Frame},
                                                    {"mark in all, held", Frame},
+                                                   {"mark all read, held", Frame},
+                                                   {"mark all read", 0.0},
+                                                   {"mark all undone, held", Frame},
+                                                   {"mark all undone", 0.0},
+                                                   {"mark after undo, held", Frame},
                                                    {"counts update", Frame},
                                                    {"click while saving", Click},
                                                    {"held while saving", Frame}};

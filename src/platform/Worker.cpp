@@ -1,7 +1,5 @@
 #include "platform/Worker.h"
 
-#include <future>
-#include <memory>
 #include <utility>
 
 namespace quarry {
@@ -15,18 +13,6 @@ void Worker::add(Job job)
     if (!_thread.joinable())
         _thread = std::thread([this] { run(); });
     _changed.notify_one();
-}
-
-void Worker::addAndWait(const Job& job)
-{
-    // Kept by the job alone: one that is dropped breaks the promise, which ends the wait as well.
-    auto done = std::make_shared<std::promise<void>>();
-    const std::future<void> waiting = done->get_future();
-    add([job, kept = std::move(done)] {
-        job();
-        kept->set_value();
-    });
-    waiting.wait();
 }
 
 void Worker::stop()

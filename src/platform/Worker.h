@@ -20,8 +20,6 @@ public:
 
     /// Behind those that wait. Dropped after stop().
     void add(Job job);
-    /// Does the job after those that wait, and returns when it is done; at once after stop(). Not within a job.
-    void addAndWait(const Job& job);
     /// Drops what waits, and returns when the job that runs is done.
     void stop();
 

@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 namespace quarry {
@@ -15,10 +16,10 @@ namespace quarry {
 /// The database as a program with a window lives with it: a tree that follows the file when other programs rewrite it,
 /// and edits that show at once and are in the file within seconds.
 ///
-/// Everything slow (loading, saving, looking at the file) happens on a thread of its own; every function here is for
-/// the main thread and returns at once, except flush(). An edit is kept until it was saved, and applied again to
-/// every tree that comes from the file before that. Destroying the object waits for what is being written and drops
-/// what is not: flush() first.
+/// Everything slow happens on other threads: loading, saving and looking at the file on one, large edits, which must
+/// not wait for those, on another. Every function here is for the main thread and returns at once. An edit is kept
+/// until it was saved, and applied again to every tree that comes from the file before that. Destroying the object
+/// waits for what is being written and drops what is not: save() first.
 class LiveTree final {
 public:
     struct Parts {
@@ -70,13 +71,17 @@ public:
     /// The user gave the damaged file up: an empty database takes its place. The copy stays.
     void replaceDamaged();
 
-    /// Shows at once and is saved within seconds. Ignored while the file is being loaded for the first time or is
+    /// Shows at once, a large one when it has been made on its thread, and is saved within seconds. Edits count
+    /// in the order of these calls all the same. Ignored while the file is being loaded for the first time or is
     /// damaged.
     void edit(const TreeEdit& edit);
+    /// Lets go of an edit that nobody needs any more, on another thread: it may hold a million keys.
+    void retire(TreeEdit edit);
     /// Looks at the file now instead of within a second: another program said that it wrote it.
     void checkFile();
-    /// Saves what is pending and waits for it. False: something could not be saved, fault() says why.
-    [[nodiscard]] bool flush();
+    /// Saves now what is pending, then calls back: within the call when nothing is. False: some of the edits that were
+    /// made before the call could not be saved, fault() says why.
+    void save(std::function<void(bool isSaved)> done);
 
 private:
     struct State;

@@ -17,6 +17,10 @@ struct TreeEdit {
     std::function<void(const QueryCorePtr& root)> apply;
     QStringList queries;    ///< The nodes whose results or definition change.
     bool structure = false; ///< Nodes come, go or move.
+    bool large = false;     ///< Takes longer than a frame: made on another thread, and shown when it is done.
 };
+
+/// So many results make an edit a large one.
+constexpr qint64 LargeEditResults = 3000;
 
 } // namespace quarry

@@ -83,10 +83,24 @@ ResultList resultsOf(const QueryCore& query, const QString& host)
 using Selected = std::function<void(QueryCore& query, const ResultKeys& keys)>;
 TreeEdit ofResults(const ResultSelection& results, const Selected& how)
 {
+    qint64 size = 0;
+    for (const ResultKeys& keys : results)
+        size += keys.size();
     return {[results, how](const QueryCorePtr& root) {
                 forEach(root, results.keys(), [&](QueryCore& query) { how(query, *results.constFind(query.UUID())); });
             },
-            results.keys(), false};
+            results.keys(), false, size >= LargeEditResults};
+}
+
+ResultKeys unreadOf(const QueryCore& query)
+{
+    ResultKeys keys;
+    const ResultList records = query.snapshot().fields._currentResult.value_or(ResultList());
+    for (const ResultRecord& record : records) {
+        if (!record.isRead())
+            keys.add(record);
+    }
+    return keys;
 }
 
 } // namespace
@@ -94,6 +108,25 @@ TreeEdit ofResults(const ResultSelection& results, const Selected& how)
 TreeEdit setRead(bool read, const ResultSelection& results)
 {
     return ofResults(results, [read](QueryCore& query, const ResultKeys& keys) { query.setRead(read, keys); });
+}
+
+Reversible markAllRead(const QStringList& queries, qint64 results)
+{
+    // Filled before anybody else sees the edit as one that was made.
+    const auto unread = std::make_shared<std::optional<ResultSelection>>();
+    const auto change = [unread, queries](const QueryCorePtr& root) {
+        if (!*unread) {
+            ResultSelection& found = unread->emplace();
+            forEach(root, queries, [&found](QueryCore& query) { found.insert(query.UUID(), unreadOf(query)); });
+        }
+        setRead(true, **unread).apply(root);
+    };
+    const auto opposite = [unread](const QueryCorePtr& root) {
+        if (*unread)
+            setRead(false, **unread).apply(root);
+    };
+    const bool isLarge = results >= LargeEditResults;
+    return {{change, queries, false, isLarge}, {opposite, queries, false, isLarge}};
 }
 
 TreeEdit setHidden(bool hidden, const ResultSelection& results)
@@ -191,6 +224,7 @@ TreeEdit together(const QList<TreeEdit>& changes)
     for (const TreeEdit& each : changes) {
         all.queries += each.queries;
         all.structure = all.structure || each.structure;
+        all.large = all.large || each.large;
     }
     all.queries.removeDuplicates();
     all.apply = [changes](const QueryCorePtr& root) {

@@ -27,6 +27,9 @@ struct Reversible {
 
 // --- Results ----------------------------------------------------------------------------------------------------
 [[nodiscard]] TreeEdit setRead(bool read, const ResultSelection& results);
+/// Marks all results of these queries as read. What was unread is found out where the change is first made, in the tree
+/// as it is by then, and no more than that is marked later or elsewhere. `results` is about how many that are.
+[[nodiscard]] Reversible markAllRead(const QStringList& queries, qint64 results);
 [[nodiscard]] TreeEdit setHidden(bool hidden, const ResultSelection& results);
 [[nodiscard]] TreeEdit setRating(qint64 rating, const ResultSelection& results);
 /// Drops the results of a host from a query, now and in later updates. The opposite lets the host in again and puts

@@ -5,7 +5,7 @@
 
 namespace quarry {
 
-FirstRun::FirstRun(Parts parts, WelcomePane& pane) : _parts(std::move(parts)), _pane(pane)
+FirstRun::FirstRun(Parts parts, WelcomePane& pane) : _parts(std::move(parts)), _pane(pane), _worker(_parts.timers)
 {
     connect(&_pane, &WelcomePane::scheduleWanted, this, &FirstRun::setSchedule);
     connect(&_pane, &WelcomePane::servicesWanted, this, &FirstRun::setServices);
@@ -21,16 +21,28 @@ void FirstRun::show()
                         services.endpoint(first).hostChanged ? services.origin(first) : QString()});
 }
 
+void FirstRun::write(std::function<QString()> how, std::function<void()> done)
+{
+    _worker.run([this, how = std::move(how), done = std::move(done)] {
+        return [this, error = how(), done] {
+            if (error.isEmpty())
+                done();
+            else
+                Q_EMIT failed(error);
+        };
+    });
+}
+
 void FirstRun::setSchedule(bool automatic, int minutes)
 {
-    const Schedule schedule(_parts.home, _parts.files);
-    QString error = schedule.setAutomatic(automatic);
-    if (error.isEmpty())
-        error = schedule.setPeriodicityMinutes(minutes);
-    if (!error.isEmpty())
-        Q_EMIT failed(error);
-    else if (_parts.followSchedule)
-        _parts.followSchedule(automatic, minutes);
+    const auto change = [schedule = Schedule(_parts.home, _parts.files), automatic, minutes] {
+        const QString error = schedule.setAutomatic(automatic);
+        return error.isEmpty() ? schedule.setPeriodicityMinutes(minutes) : error;
+    };
+    write(change, [this, automatic, minutes] {
+        if (_parts.followSchedule)
+            _parts.followSchedule(automatic, minutes);
+    });
 }
 
 void FirstRun::setServices(const QString& address)
@@ -39,10 +51,10 @@ void FirstRun::setServices(const QString& address)
         Q_EMIT failed(filledFormat(_parts.texts.text(QStringLiteral("207_No address")), {address}));
         return;
     }
-    const SearchServicesFile file(_parts.home, _parts.files);
-    const QString error = address.isEmpty() ? file.reset() : file.reachAllAt(address);
-    if (!error.isEmpty())
-        Q_EMIT failed(error);
+    const auto change = [file = SearchServicesFile(_parts.home, _parts.files), address] {
+        return address.isEmpty() ? file.reset() : file.reachAllAt(address);
+    };
+    write(change, [] {});
 }
 
 } // namespace quarry

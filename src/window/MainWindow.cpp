@@ -33,19 +33,19 @@ namespace quarry {
 
 MainWindow::MainWindow(WindowParts parts)
     : _parts(std::move(parts)), _actions(_parts.texts, this), _tree(_parts.tree, *this), _edits(_tree),
-      _resultEdits(_edits, _parts.texts), _nodeEdits(_tree, _edits, _parts.texts),
-      _import(_tree, _edits, _parts.tree.files, _parts.texts), _treeModel(_tree, _parts.texts),
-      _refresh(_parts.updaterProgram, _parts.tree.home, [this] { showRefresh(); }),
+      _resultEdits(_tree, _edits, _parts.texts), _nodeEdits(_tree, _edits, _parts.texts),
+      _import({_tree, _edits, _parts.tree.files, _parts.tree.timers, _parts.texts}, this),
+      _treeModel(_tree, _parts.texts), _refresh(_parts.updaterProgram, _parts.tree.home, [this] { showRefresh(); }),
       _schedule(
           {_parts.tree.home, _parts.tree.clock, _parts.tree.files, _parts.tree.timers},
           [this] {
-              if (_refresh.state().isRunning)
+              if (!mayRefresh())
                   return false;
               startRefresh();
               return true;
           },
           [this] { sayNextRefresh(); }),
-      _memory(_parts.tree.home, _parts.tree.files), _remembered(_memory.read())
+      _memory(_parts.tree.home, _parts.tree.files), _remembered(_memory.read()), _layoutWriter(_parts.tree.timers)
 {
     makePanes();
     makePages();
@@ -161,6 +161,11 @@ void MainWindow::connectPages()
         sheet->open();
     });
     connect(_actions.importFile, &QAction::triggered, this, [this] { askForImport(); });
+    connect(&_import, &FileImport::told, this, [this](bool isDone, const QString& text, const QString& first) {
+        if (!first.isEmpty())
+            _treePane->select(first);
+        _notice->say(isDone ? NoticeBar::Kind::Word : NoticeBar::Kind::Warning, text);
+    });
 }
 
 QueryCorePtr MainWindow::shownNode() const
@@ -243,8 +248,8 @@ void MainWindow::updateActions()
     for (QAction* const action : {_actions.newQuery, _actions.newAdvancedQuery, _actions.newCombinedQuery,
                                   _actions.newFolder, _actions.importFile})
         action->setEnabled(isReadable);
-    _actions.refreshAll->setEnabled(isReadable && !_refresh.state().isRunning);
-    _actions.refreshSelected->setEnabled(isReadable && !_refresh.state().isRunning);
+    _actions.refreshAll->setEnabled(isReadable && mayRefresh());
+    _actions.refreshSelected->setEnabled(isReadable && mayRefresh());
     _actions.stopRefresh->setEnabled(_refresh.state().isRunning);
 }
 
@@ -273,10 +278,21 @@ void MainWindow::choosePage()
 
 void MainWindow::startRefresh(const QStringList& nodes)
 {
-    (void)_tree.flush(); // What could not be saved is said by itself.
-    _isWholeRefresh = nodes.isEmpty();
-    _refreshStart = _parts.tree.clock.now();
-    _refresh.start(nodes);
+    if (!mayRefresh())
+        return;
+    _isRefreshWaiting = true;
+    _tree.save([this, nodes](bool isSaved) {
+        _isRefreshWaiting = false;
+        if (isSaved && !_leaving) {
+            _isWholeRefresh = nodes.isEmpty();
+            _refresh.start(nodes);
+        } else if (!isSaved) {
+            _notice->say(NoticeBar::Kind::Warning,
+                         filledFormat(_parts.texts.text(QStringLiteral("205_Not started")), {_tree.fault()}));
+        }
+        updateActions();
+    });
+    updateActions();
 }
 
 void MainWindow::addFirstQuery(const QString& words)
@@ -420,7 +436,7 @@ void MainWindow::safetyChanged(LiveTree::Safety safety, const QString& reason)
     _safety->setText(_pages->currentWidget() == _damage
                          ? QString()
                          : _parts.texts.text(QString::fromUtf16(keys[static_cast<std::size_t>(safety)])));
-    importWaiting();
+    _import.goOn();
     if (safety != LiveTree::Safety::Loading && !std::exchange(_isScheduleKept, true))
         _schedule.start();
 }
@@ -442,20 +458,55 @@ void MainWindow::sayTitle()
                                               {name, QLocale().toString(unread)}));
 }
 
-bool MainWindow::prepareToQuit()
-{
-    if (saveNow())
-        return true;
-    return QMessageBox::warning(this, _parts.texts.text(QStringLiteral("200_Not saved")),
-                                filledFormat(_parts.texts.text(QStringLiteral("200_Quit unsaved")), {_tree.fault()}),
-                                QMessageBox::Discard | QMessageBox::Cancel,
-                                QMessageBox::Cancel) == QMessageBox::Discard;
-}
-
-bool MainWindow::saveNow()
+void MainWindow::saveAll(std::function<void(bool isSaved)> done)
 {
     rememberLayout();
-    return _tree.flush();
+    _tree.save([this, done = std::move(done)](bool isSaved) {
+        // Behind the layout.
+        _layoutWriter.run([done, isSaved] { return [done, isSaved] { done(isSaved); }; });
+    });
+}
+
+void MainWindow::finish(std::function<void(bool isSaved)> done)
+{
+    _import.whenIdle([this, done = std::move(done)] { saveAll(done); });
+}
+
+void MainWindow::leave()
+{
+    _import.stop();
+    _leaving = std::make_shared<int>(0);
+    saveAll([this, leaving = _leaving](bool isSaved) {
+        if (leaving != _leaving)
+            return; // It was wanted back meanwhile.
+        _leaving = nullptr;
+        updateActions();
+        if (isSaved)
+            Q_EMIT closed();
+        else
+            askWhetherToLeave();
+    });
+}
+
+void MainWindow::askWhetherToLeave()
+{
+    show();
+    auto* const question =
+        new QMessageBox(QMessageBox::Warning, _parts.texts.text(QStringLiteral("200_Not saved")),
+                        filledFormat(_parts.texts.text(QStringLiteral("200_Quit unsaved")), {_tree.fault()}),
+                        QMessageBox::Retry | QMessageBox::Discard | QMessageBox::Cancel, this);
+    question->setAttribute(Qt::WA_DeleteOnClose);
+    question->setDefaultButton(QMessageBox::Retry);
+    connect(question, &QMessageBox::finished, this, [this](int answer) {
+        if (answer == QMessageBox::Cancel)
+            return;
+        hide();
+        if (answer == QMessageBox::Retry)
+            leave();
+        else
+            Q_EMIT closed();
+    });
+    question->open();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
@@ -465,13 +516,15 @@ void MainWindow::closeEvent(QCloseEvent* event)
         _transfers->stopToQuit([this] { close(); });
         return;
     }
-    event->setAccepted(prepareToQuit());
-    if (event->isAccepted())
-        Q_EMIT closed();
+    // Gone from the screen at once: the saving may take a while.
+    event->accept();
+    leave();
 }
 
 void MainWindow::bringToFront(const QString& activationToken)
 {
+    if (std::exchange(_leaving, nullptr))
+        updateActions();
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
     raise();
@@ -483,21 +536,7 @@ void MainWindow::bringToFront(const QString& activationToken)
 
 void MainWindow::openFiles(const QStringList& files)
 {
-    _waitingFiles += files;
-    importWaiting();
-}
-
-void MainWindow::importWaiting()
-{
-    if (_tree.safety() == LiveTree::Safety::Loading || _waitingFiles.isEmpty())
-        return;
-    const QStringList files = std::exchange(_waitingFiles, {});
-    for (const QString& file : files) {
-        const FileImport::Done done = _import.importFile(file, _treePane->folderForNew());
-        if (!done.first.isEmpty())
-            _treePane->select(done.first);
-        _notice->say(done.isDone ? NoticeBar::Kind::Word : NoticeBar::Kind::Warning, done.text);
-    }
+    _import.add(files, _treePane->folderForNew());
 }
 
 } // namespace quarry

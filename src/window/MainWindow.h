@@ -2,6 +2,7 @@
 
 #include "archive/StringTable.h"
 #include "platform/DistributedNotifications.h"
+#include "platform/LoopWorker.h"
 #include "platform/Workspace.h"
 #include "session/LiveTree.h"
 #include "session/RefreshRun.h"
@@ -55,13 +56,12 @@ public:
     explicit MainWindow(WindowParts parts);
     ~MainWindow() override;
 
-    /// Saves what is pending; asks the user when it cannot be saved. True: the window may go.
-    [[nodiscard]] bool prepareToQuit();
-    /// Saves without asking: false when it could not be done, tree().fault() says why.
-    [[nodiscard]] bool saveNow();
-    /// The token is the desktop's permission to take the focus; may be empty.
+    /// The end that nobody is asked about: what was handed over comes in, and everything is saved, while the window
+    /// goes on. Then calls back; false when something could not be saved, tree().fault() says why.
+    void finish(std::function<void(bool isSaved)> done);
+    /// Also when it is about to close. The token is the desktop's permission to take the focus; may be empty.
     void bringToFront(const QString& activationToken);
-    /// Imports the files once the database is loaded, each as one change that can be undone.
+    /// Imports the files, one after the other, once the database is loaded.
     void openFiles(const QStringList& files);
 
     [[nodiscard]] LiveTree& tree() { return _tree; }
@@ -70,7 +70,7 @@ public:
     [[nodiscard]] ResultsPane& resultsPane() { return *_resultsPane; }
 
 Q_SIGNALS:
-    /// The user closed the window, and everything is saved.
+    /// The user closed the window, and everything is saved, or what could not be is given up.
     void closed();
 
 protected:
@@ -105,8 +105,9 @@ private:
     /// The panes, the welcome, or what is wrong with the database.
     void choosePage();
     void updateActions();
-    /// Edits are saved first: the refresh goes by what is in the file.
+    /// Edits are saved first: the refresh goes by what is in the file. Where they cannot be, there is none.
     void startRefresh(const QStringList& nodes = {});
+    [[nodiscard]] bool mayRefresh() const { return !_refresh.state().isRunning && !_isRefreshWaiting && !_leaving; }
     void addFirstQuery(const QString& words);
     void addFolder();
     void askForImport();
@@ -119,7 +120,10 @@ private:
     void sayNextRefresh();
     void showHealth();
     void sayTitle();
-    void importWaiting();
+    /// Saves on other threads, the layout as well.
+    void saveAll(std::function<void(bool isSaved)> done);
+    void leave();
+    void askWhetherToLeave();
 
     WindowParts _parts;
     WindowActions _actions;
@@ -135,7 +139,8 @@ private:
     WindowLayout _remembered;
     bool _isTreeShown = false; ///< The first tree came from the file.
     bool _isWholeRefresh = false;
-    Date _refreshStart;
+    bool _isRefreshWaiting = false; ///< For a save.
+    std::shared_ptr<int> _leaving;  ///< While it saves after it was closed; another one each time.
     bool _isScheduleKept = false;
     TreePane* _treePane = nullptr;
     ResultsPane* _resultsPane = nullptr;
@@ -153,7 +158,7 @@ private:
     NoticeBar* _notice = nullptr;
     QLabel* _nextRefresh = nullptr;
     QLabel* _safety = nullptr;
-    QStringList _waitingFiles;
+    LoopWorker _layoutWriter; ///< Waits for the lock of those who write settings.
 };
 
 } // namespace quarry

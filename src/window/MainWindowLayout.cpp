@@ -68,8 +68,9 @@ void MainWindow::makePanes()
 void MainWindow::makePages()
 {
     _welcome = new WelcomePane(_parts.texts, this);
-    _firstRun = new FirstRun(
-        {_parts.tree.home, _parts.tree.clock, _parts.tree.files, _parts.texts, _parts.followSchedule}, *_welcome);
+    _firstRun = new FirstRun({_parts.tree.home, _parts.tree.clock, _parts.tree.files, _parts.tree.timers, _parts.texts,
+                              _parts.followSchedule},
+                             *_welcome);
     _firstRun->setParent(this);
     _damage = new DamagePane(_parts.texts, this);
     _pages = new QStackedWidget(this);
@@ -183,8 +184,11 @@ void MainWindow::rememberLayout()
     // A tree that is not there says nothing about folders.
     if (_isTreeShown && _treeModel.rowCount() > 0)
         rememberTree();
-    if (const QString error = _memory.write(layoutNow()); !error.isEmpty())
-        systemLog(error);
+    _layoutWriter.run([this, layout = layoutNow()] {
+        if (const QString error = _memory.write(layout); !error.isEmpty())
+            systemLog(error);
+        return LoopWorker::Call();
+    });
 }
 
 } // namespace quarry

@@ -3,6 +3,7 @@
 #include "exchange/TreeWalk.h"
 #include "session/TreeEdits.h"
 #include "text/LocalisedFormat.h"
+#include "window/BusySign.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -15,8 +16,6 @@
 namespace quarry {
 
 namespace {
-
-constexpr int ProgressAfterMilliseconds = 500;
 
 struct Kind {
     ExportFormat format;
@@ -168,15 +167,7 @@ void NodeTransfers::copyTo(const QStringList& nodes, const QString& folder)
 
 QProgressDialog* NodeTransfers::showProgress(const QString& text)
 {
-    auto* const progress =
-        new QProgressDialog(text, _parts.texts.text(QStringLiteral("203_Stop refresh")), 0, 0, _window);
-    progress->setWindowTitle(_parts.texts.text(QStringLiteral("214_Progress title")));
-    progress->setAttribute(Qt::WA_DeleteOnClose);
-    progress->setWindowModality(Qt::NonModal);
-    progress->setMinimumDuration(ProgressAfterMilliseconds);
-    progress->setAutoReset(false);
-    progress->setAutoClose(false);
-    return progress;
+    return makeBusySign(_parts.texts.text(QStringLiteral("214_Progress title")), text, _parts.texts, _window);
 }
 
 void NodeTransfers::showCopy()

@@ -21,15 +21,6 @@ QModelIndexList rowsWhere(const ResultModel& model, const QModelIndexList& rows,
     return found;
 }
 
-void collectUnread(const QueryCorePtr& node, ResultSelection& unread)
-{
-    const ResultList records = node->snapshot().fields._currentResult.value_or(ResultList());
-    for (const ResultRecord& record : records) {
-        if (!record.isRead())
-            unread[node->UUID()].add(record);
-    }
-}
-
 } // namespace
 
 void ResultEdits::setRead(bool read, const ResultModel& model, const QModelIndexList& rows)
@@ -52,12 +43,19 @@ void ResultEdits::markOpened(const ResultModel& model, const QModelIndexList& ro
 
 void ResultEdits::markAllRead(const QList<QueryCorePtr>& nodes)
 {
-    ResultSelection unread;
-    for (const QueryCorePtr& node : nodes)
-        walk(node, [&unread](const QueryCorePtr& each, int) { collectUnread(each, unread); });
+    QStringList unread;
+    qint64 results = 0;
+    for (const QueryCorePtr& node : nodes) {
+        const QList<QueryCorePtr> queries = queriesBelow(node);
+        for (const QueryCorePtr& query : queries) {
+            if (const qint64 ofQuery = _tree.counts().of(query->UUID()).unread; ofQuery > 0) {
+                unread.append(query->UUID());
+                results += ofQuery;
+            }
+        }
+    }
     if (!unread.isEmpty())
-        _edits.perform(_texts.text(QStringLiteral("201_Undo mark all read")),
-                       {edits::setRead(true, unread), edits::setRead(false, unread)});
+        _edits.perform(_texts.text(QStringLiteral("201_Undo mark all read")), edits::markAllRead(unread, results));
 }
 
 void ResultEdits::setHidden(bool hidden, const ResultModel& model, const QModelIndexList& rows)

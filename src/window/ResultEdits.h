@@ -10,7 +10,10 @@ namespace quarry {
 class ResultEdits final {
 public:
     /// All must outlive the object.
-    ResultEdits(UndoableEdits& edits, const StringTable& texts) : _edits(edits), _texts(texts) {}
+    ResultEdits(const LiveTree& tree, UndoableEdits& edits, const StringTable& texts)
+        : _tree(tree), _edits(edits), _texts(texts)
+    {
+    }
 
     void setRead(bool read, const ResultModel& model, const QModelIndexList& rows);
     /// Opening a result marks it without a word.
@@ -24,6 +27,7 @@ public:
     void excludeHosts(const ResultModel& model, const QModelIndexList& rows);
 
 private:
+    const LiveTree& _tree;
     UndoableEdits& _edits;
     const StringTable& _texts;
 };

@@ -15,6 +15,13 @@ public:
         : QUndoCommand(text), _tree(tree), _change(std::move(change))
     {
     }
+    ~Command() override
+    {
+        _tree.retire(std::move(_change.change));
+        _tree.retire(std::move(_change.opposite));
+    }
+    Command(const Command&) = delete;
+    Command& operator=(const Command&) = delete;
     void redo() override { _tree.edit(_change.change); }
     void undo() override { _tree.edit(_change.opposite); }
 

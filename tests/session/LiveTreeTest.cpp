@@ -71,6 +71,13 @@ protected:
         ASSERT_TRUE(timers.runUntil([this] { return tree.safety() == LiveTree::Safety::Safe; }))
             << qPrintable(heard.reason);
     }
+    [[nodiscard]] bool saves()
+    {
+        std::optional<bool> answer;
+        tree.save([&answer](bool isSaved) { answer = isSaved; });
+        EXPECT_TRUE(timers.runUntil([&answer] { return answer.has_value(); }));
+        return answer.value_or(false);
+    }
     /// As another program would change the file.
     void elsewhere(const std::function<void(Engine&)>& change)
     {
@@ -134,6 +141,32 @@ TEST_F(LiveTreeTest, EditsSurviveWhatAnotherProgramWritesMeanwhile)
               (QStringList{QStringLiteral("Garden"), QStringLiteral("Loaves"), QStringLiteral("stones")}));
 }
 
+TEST_F(LiveTreeTest, ALargeEditIsMadeElsewhereAndCountsInItsOrderAllTheSame)
+{
+    open();
+    elsewhere(
+        [this](Engine& database) { database.queryForUUID(pond)->restoreResults({record("d", "new.example")}, {}); });
+    tree.edit(edits::setRead(true, named({"b"})));
+    const edits::Reversible all = edits::markAllRead({pond}, LargeEditResults);
+    tree.edit(all.change);
+    EXPECT_EQ(tree.counts().of(pond).unread, 2) << "not on the thread that draws";
+    tree.edit(edits::setRead(false, named({"a"})));
+    EXPECT_TRUE(saves());
+    using Counts = std::pair<qint64, qint64>;
+    const auto unread = [this] {
+        return Counts(tree.counts().of(garden).unread, openDatabase()->queryForUUID(pond)->nbUnreadItem());
+    };
+    EXPECT_EQ(unread(), Counts(2, 2)) << "a, which was marked last, and d, which nobody had seen";
+    tree.edit(all.opposite);
+    EXPECT_TRUE(saves());
+    EXPECT_EQ(unread(), Counts(3, 3)) << "b was read before";
+    tree.edit(all.change);
+    tree.edit(all.opposite);
+    tree.edit(all.change);
+    EXPECT_TRUE(saves());
+    EXPECT_EQ(unread(), Counts(1, 1));
+}
+
 TEST_F(LiveTreeTest, ARewrittenFileIsShownWithoutAnEdit)
 {
     open();
@@ -151,10 +184,10 @@ TEST_F(LiveTreeTest, WhatCannotBeSavedIsKeptShownAndTriedAgain)
     const QByteArray bytes = contentOf(database);
     ASSERT_TRUE(QFile::remove(database) && QDir().mkdir(database)) << "nothing can be renamed over a folder";
     tree.edit(edits::rename(bread, QStringLiteral("Loaves")));
-    EXPECT_FALSE(tree.flush());
+    EXPECT_FALSE(saves());
     EXPECT_NE(tree.fault(), QString());
     ASSERT_TRUE(QDir().rmdir(database) && writeFile(database, bytes));
-    EXPECT_TRUE(tree.flush());
+    EXPECT_TRUE(saves());
     EXPECT_EQ(tree.node(bread)->title(), QStringLiteral("Loaves"));
     EXPECT_EQ(titlesInFile().last(), QStringLiteral("Loaves"));
 }
@@ -171,7 +204,7 @@ TEST_F(LiveTreeTest, ADamagedFileIsNotWrittenOverUntilTheUserDecides)
     const QueryCorePtr added = QueryCore::initWithQuery(QStringLiteral("late"));
     tree.edit(edits::insertion(added, {}, 0).change);
     EXPECT_EQ(tree.root()->numberOfChilds(), 0) << "there is nothing to edit";
-    EXPECT_TRUE(tree.flush());
+    EXPECT_TRUE(saves());
     EXPECT_EQ(contentOf(home->databaseFile()), damaged);
 
     clock.advance(5);
@@ -184,7 +217,7 @@ TEST_F(LiveTreeTest, ADamagedFileIsNotWrittenOverUntilTheUserDecides)
     // Edits that were not saved yet wait as well.
     tree.edit(edits::rename(bread, QStringLiteral("Loaves")));
     ASSERT_TRUE(QFile::remove(home->databaseFile()) && writeFile(home->databaseFile(), damaged));
-    EXPECT_FALSE(tree.flush());
+    EXPECT_FALSE(saves());
     ASSERT_TRUE(timers.runUntil([this] { return tree.isDamaged(); }));
     EXPECT_EQ(contentOf(home->databaseFile()), damaged);
     tree.replaceDamaged();
@@ -239,7 +272,7 @@ TEST_F(LiveTreeTest, EveryChangeIsUndoneByItsOpposite)
     }
     tree.edit(edits::move(garden, garden, 0));
     EXPECT_EQ(describe(), before) << "a folder is not moved into itself";
-    EXPECT_TRUE(tree.flush());
+    EXPECT_TRUE(saves());
     EXPECT_EQ(titlesInFile(), (QStringList{QStringLiteral("Garden"), QStringLiteral("bread")}));
     EXPECT_EQ(titlesInFile(garden), QStringList{QStringLiteral("pond")});
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/QueryDatabaseEngine.h"
+#include "support/FailingFileStore.h"
 #include "support/RecordingPauser.h"
 #include "support/SettableClock.h"
 #include "support/TemporaryHome.h"
@@ -32,7 +33,7 @@ struct OwnDatabase {
     TemporaryHome home;
     SettableClock clock;
     RecordingPauser pauser;
-    DiskFileStore files;
+    FailingFileStore files;
     NotificationCenter notifications;
 };
 

@@ -1,9 +1,11 @@
 #include "WindowRig.h"
 #include "window/DetailPane.h"
+#include "window/NoticeBar.h"
 
 #include <QClipboard>
 #include <QLabel>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPointer>
 #include <QProcess>
 #include <QScrollBar>
@@ -152,7 +154,7 @@ TEST_F(MainWindowTest, StarsAreClickedAndKept)
     QTest::mouseClick(list().viewport(), Qt::LeftButton, {}, star(2, 5));
     list().clearSelection();
     EXPECT_EQ(filled(2), before) << "the last star that is set takes the rating away";
-    ASSERT_TRUE(window->saveNow());
+    ASSERT_TRUE(saves());
     const ResultList results =
         openDatabase()->queryForUUID(pond)->snapshot().fields._currentResult.value_or(ResultList());
     qint64 sum = 0;
@@ -251,7 +253,7 @@ TEST_F(MainWindowTest, KeysMoveNodesAndASheetPutsThemIntoFolders)
     QTest::keyClick(asked->findChild<QTreeWidget*>(), Qt::Key_Down);
     keepPicture(asked, u"move-to-folder"_s);
     asked->accept();
-    ASSERT_TRUE(window->saveNow());
+    ASSERT_TRUE(saves());
     EXPECT_EQ(child(u"bread"_s, garden), bread);
 }
 
@@ -287,12 +289,12 @@ TEST_F(MainWindowTest, NodesAreDraggedIntoFoldersAndBack)
     drag(onScreen(treeRow(u"pond"_s).center()), onScreen(treeRow(u"Garden"_s).topLeft() + QPoint(60, 1)));
     ASSERT_TRUE(happens([this] { return window->tree().root()->numberOfChilds() == 2; }));
     EXPECT_EQ(window->treePane().model()->index(1, 0).data().toString(), u"pond"_s);
-    ASSERT_TRUE(window->saveNow());
+    ASSERT_TRUE(saves());
     EXPECT_EQ(child(u"bread"_s, garden), bread);
     EXPECT_EQ(child(u"pond"_s), pond);
     QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier);
     QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier);
-    ASSERT_TRUE(window->saveNow());
+    ASSERT_TRUE(saves());
     EXPECT_EQ(child(u"bread"_s), bread);
     EXPECT_EQ(child(u"pond"_s, garden), pond);
 }
@@ -308,7 +310,7 @@ TEST_F(MainWindowTest, WhatIsDoneAgainAndTakenBackKeepsWhatCameMeanwhile)
     window->actions().removeNode->trigger();
     undo();
     undo();
-    ASSERT_TRUE(window->saveNow());
+    ASSERT_TRUE(saves());
     edit([this](Engine& database) {
         database.queryForUUID(bread)->restoreResults({result(u"crumb"_s, 800000000.0)}, {});
         database.queryForUUID(pond)->restoreResults(
@@ -408,13 +410,55 @@ TEST_F(MainWindowTest, TheNextWindowIsAsTheLastOneWasLeft)
     QTest::qWait(0);
     const QSize size = window->size();
     const int order = window->resultsPane().order();
-    ASSERT_TRUE(window->close());
+    bool isClosed = false;
+    QObject::connect(window.get(), &MainWindow::closed, [&isClosed] { isClosed = true; });
+    window->close();
+    EXPECT_FALSE(window->isVisible());
+    ASSERT_TRUE(happens([&isClosed] { return isClosed; }));
     window.reset();
     open();
     EXPECT_EQ(window->size(), size);
     EXPECT_EQ(window->treePane().currentUuid(), pond);
     EXPECT_TRUE(treeRow(u"pond"_s).isValid());
     EXPECT_EQ(window->resultsPane().order(), order);
+}
+
+TEST_F(MainWindowTest, WhatCannotBeSavedHoldsBackARefreshAndTheEnd)
+{
+    openAt(pond);
+    int closed = 0;
+    QObject::connect(window.get(), &MainWindow::closed, [&closed] { ++closed; });
+    files.failWrites = true;
+    QTest::keyClick(&list(), Qt::Key_N);
+    window->actions().refreshAll->trigger();
+    ASSERT_TRUE(happens([this] { return window->findChild<NoticeBar*>()->isVisible(); }));
+    screenshot(u"not-refreshed"_s);
+    const auto answer = [this](QMessageBox::StandardButton button) {
+        const auto question = [this] { return window->findChild<QMessageBox*>(); };
+        window->close();
+        ASSERT_TRUE(happens([&] { return question() && question()->isVisible(); }));
+        EXPECT_TRUE(window->isVisible());
+        screenshot(u"not-saved"_s);
+        files.failWrites = button == QMessageBox::Cancel;
+        QTest::mouseClick(question()->button(button), Qt::LeftButton);
+        EXPECT_TRUE(happens([&] { return !question(); }));
+    };
+    answer(QMessageBox::Cancel);
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(closed, 0);
+    answer(QMessageBox::Retry);
+    EXPECT_TRUE(happens([&closed] { return closed == 1; }));
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_TRUE(saves());
+
+    // Who opens it while the last changes are being saved has it back.
+    window->bringToFront({});
+    QTest::keyClick(&list(), Qt::Key_N);
+    window->close();
+    window->bringToFront({});
+    EXPECT_TRUE(saves());
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(closed, 1);
 }
 
 TEST_F(MainWindowTest, OnADarkDesktopEverythingCanBeRead)

@@ -12,6 +12,8 @@
 #include <QProgressDialog>
 #include <QPushButton>
 
+#include <future>
+
 using namespace quarry;
 using namespace quarry::test;
 
@@ -64,6 +66,69 @@ TEST(TransfersTest, AnExportGoesWhereTheDialogSaysAndNeverIntoTheDatabasesFolder
     exportTo(rig.home->supportFolder() + QStringLiteral("/Database.csv"), QStringLiteral("QuarrySpotter"));
     ASSERT_TRUE(happens([&] { return notice(rig).contains(QLatin1String("Nothing was exported")); }));
     EXPECT_FALSE(QFile::exists(rig.home->supportFolder() + QStringLiteral("/Database.csv")));
+}
+
+class ImportTest : public testing::Test {
+protected:
+    ImportTest()
+    {
+        held = file("slow", QStringLiteral("snail"));
+        rig.files.afterRead = [this](const QString& path) {
+            if (path == held)
+                letGo.wait();
+        };
+        EXPECT_TRUE(writeFile(path("broken"), "<opml"));
+    }
+    QString path(const char* name) { return rig.home.path() + u'/' + QLatin1String(name); }
+    QString file(const char* name, const QString& query)
+    {
+        EXPECT_TRUE(writeFile(path(name), "<opml><body><outline text=\"" + query.toUtf8() + "\"/></body></opml>"));
+        return path(name);
+    }
+    void open(const QStringList& files) { rig.window->openFiles(files); }
+
+    QString held;
+    std::promise<void> letGoNow;
+    std::shared_future<void> letGo = letGoNow.get_future().share();
+    WindowRig rig;
+};
+
+TEST_F(ImportTest, FilesComeInOneAfterTheOtherWhileTheWindowGoesOn)
+{
+    open({held, path("broken"), path("none"), file("last", QStringLiteral("hare"))});
+    auto* const sign = qobject_cast<QProgressDialog*>(rig.sheet());
+    ASSERT_TRUE(sign);
+    keepPicture(sign, QStringLiteral("import-progress"));
+    letGoNow.set_value();
+    ASSERT_TRUE(happens([&] { return rig.node(QStringLiteral("hare")) != nullptr; }));
+    for (const char* const told : {"slow: 1 queries", "broken was not", "none was not", "last: 1 queries"})
+        EXPECT_TRUE(notice(rig).contains(QLatin1String(told))) << notice(rig).toStdString();
+    EXPECT_TRUE(rig.stored(QStringLiteral("snail")));
+    rig.undo();
+    EXPECT_FALSE(rig.node(QStringLiteral("hare")));
+    EXPECT_TRUE(rig.node(QStringLiteral("snail"))) << "each is a change of its own";
+    keepPicture(rig.window.get(), QStringLiteral("imported"));
+}
+
+TEST_F(ImportTest, AfterAStopNothingMoreComesIn)
+{
+    open({held, file("last", QStringLiteral("hare"))});
+    QTest::mouseClick(rig.sheet()->findChild<QPushButton*>(), Qt::LeftButton);
+    EXPECT_TRUE(notice(rig).contains(QLatin1String("slow was not imported"))) << notice(rig).toStdString();
+    letGoNow.set_value();
+    open({file("later", QStringLiteral("fox"))});
+    ASSERT_TRUE(happens([&] { return rig.node(QStringLiteral("fox")) != nullptr; }));
+    EXPECT_EQ(rig.window->tree().root()->numberOfChilds(), 1);
+}
+
+TEST_F(ImportTest, ClosingTheWindowDoesNotWaitForAFile)
+{
+    open({held});
+    bool isClosed = false;
+    QObject::connect(rig.window.get(), &MainWindow::closed, [&isClosed] { isClosed = true; });
+    rig.window->close();
+    EXPECT_TRUE(happens([&isClosed] { return isClosed; }));
+    letGoNow.set_value();
 }
 
 /// A server whose second page does not come before it is let go.

@@ -54,7 +54,7 @@ TEST_F(WelcomeTest, ItsSettingsAreWhatTheEngineAndTheAgentRead)
     open();
     ASSERT_TRUE(shown<QCheckBox>(u"automatic"_s));
     QTest::mouseClick(shown<QCheckBox>(u"automatic"_s), Qt::LeftButton, {}, {8, 8});
-    EXPECT_TRUE(Schedule(home, files).read(clock.now()).automatic);
+    EXPECT_TRUE(happens([this] { return Schedule(home, files).read(clock.now()).automatic; }));
     QTest::mouseClick(shown<QRadioButton>(u"useGateway"_s), Qt::LeftButton, {}, {8, 8});
     auto* const address = shown<QLineEdit>(u"gatewayAddress"_s);
     address->selectAll();
@@ -64,8 +64,10 @@ TEST_F(WelcomeTest, ItsSettingsAreWhatTheEngineAndTheAgentRead)
     address->selectAll();
     QTest::keyClicks(address, u"http://127.0.0.1:4711"_s);
     QTest::keyClick(address, Qt::Key_Return);
-    const SearchServices services = SearchServices::load(home->searchServicesFile()).services;
-    EXPECT_EQ(services.origin(SearchService::Yahoo), u"http://127.0.0.1:4711"_s);
+    EXPECT_TRUE(happens([this] {
+        const SearchServices services = SearchServices::load(home->searchServicesFile()).services;
+        return services.origin(SearchService::Yahoo) == u"http://127.0.0.1:4711"_s;
+    }));
 }
 
 TEST_F(WelcomeTest, ADamagedDatabaseIsNamedAndLeftAloneUntilTheUserDecides)
@@ -79,7 +81,7 @@ TEST_F(WelcomeTest, ADamagedDatabaseIsNamedAndLeftAloneUntilTheUserDecides)
     EXPECT_TRUE(isTold(window->tree().damagedCopy()));
     screenshot(u"damaged"_s);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
-    EXPECT_TRUE(window->saveNow());
+    EXPECT_TRUE(saves());
     EXPECT_EQ(contentOf(home->databaseFile()), damaged);
     QTest::mouseClick(begin, Qt::LeftButton);
     EXPECT_TRUE(happens([this] { return shown<QLineEdit>(u"firstQuery"_s) != nullptr; }));

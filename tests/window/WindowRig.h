@@ -90,10 +90,16 @@ public:
         }
         ADD_FAILURE() << "no undo";
     }
+    [[nodiscard]] bool saves()
+    {
+        std::optional<bool> answer;
+        window->tree().save([&answer](bool isSaved) { answer = isSaved; });
+        return happens([&answer] { return answer.has_value(); }) && *answer;
+    }
     /// What is in the file, once everything is safe there.
     [[nodiscard]] QueryCorePtr stored(const QString& title)
     {
-        EXPECT_TRUE(window->tree().flush());
+        EXPECT_TRUE(saves());
         _reader = openDatabase();
         return find(_reader->currentRoot(), title);
     }

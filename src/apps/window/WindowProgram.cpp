@@ -4,9 +4,12 @@
 
 #include <QApplication>
 #include <QCryptographicHash>
+#include <QEventLoop>
 #include <QFileInfo>
 #include <QIcon>
 #include <QSessionManager>
+
+#include <utility>
 
 namespace quarry {
 
@@ -74,10 +77,7 @@ void WindowProgram::openWindow(const QStringList& files)
                     _bundle.updaterProgram(),
                     [this](bool automatic, qint64 minutes) { letAgentFollow(automatic, minutes); }});
     _blacklist = std::make_unique<BlacklistOpener>(*_window, _home, _files, _workspace, _timers);
-    connect(_window.get(), &MainWindow::closed, this, [this] {
-        sayGoodbye();
-        QCoreApplication::exit(0);
-    });
+    connect(_window.get(), &MainWindow::closed, this, [this] { end(0); });
     _updates = std::make_unique<ApplicationUpdates>(
         ApplicationUpdates::Parts{_home, QFileInfo(_bundle.contentsFolder()).path(), _clock, _timers, _distributed,
                                   _workspace, _files, _updaterTexts, [this] { quit(); }});
@@ -93,8 +93,7 @@ void WindowProgram::openWindow(const QStringList& files)
                                  if (!_updates->isInstalling())
                                      quit();
                              });
-    // The session's end: nobody is there any more to answer a question.
-    connect(qApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager&) { (void)_window->saveNow(); });
+    connect(qApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager&) { finishForSession(); });
     _window->show();
     _window->openFiles(files);
     _updates->takeUpOffer();
@@ -110,18 +109,34 @@ void WindowProgram::letAgentFollow(bool automatic, qint64 minutes)
                                QStringLiteral("every"), QString::number(minutes)});
 }
 
-void WindowProgram::sayGoodbye()
+void WindowProgram::finishForSession()
 {
+    // Nobody is there any more to answer a question, and the program may be ended as soon as this returns.
+    QEventLoop loop;
+    _window->finish([&loop](bool) { loop.quit(); });
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+}
+
+void WindowProgram::end(int status)
+{
+    if (std::exchange(_hasEnded, true))
+        return;
     _distributed.post(QStringLiteral("kAppWillQuitNotification"));
+    QCoreApplication::exit(status);
 }
 
 void WindowProgram::quit()
 {
-    const bool isSaved = !_window || _window->saveNow();
-    if (!isSaved)
-        systemLog(QStringLiteral("the last changes could not be saved: ") + _window->tree().fault());
-    sayGoodbye();
-    QCoreApplication::exit(isSaved ? 0 : NotSaved);
+    if (!_window)
+        return end(0);
+    if (std::exchange(_isQuitting, true))
+        return;
+    _window->finish([this](bool isSaved) {
+        if (!isSaved)
+            systemLog(QStringLiteral("the last changes could not be saved: ") + _window->tree().fault());
+        end(isSaved ? 0 : NotSaved);
+    });
+    _window->hide();
 }
 
 } // namespace quarry

@@ -37,14 +37,16 @@ public:
     };
     /// Opens the window, or hands over to the copy that has it.
     [[nodiscard]] Start start(const QStringList& files);
-    /// Saves without asking anybody and ends the event loop.
+    /// Saves without asking anybody, then ends the event loop.
     void quit();
 
 private:
     void openWindow(const QStringList& files);
     void letAgentFollow(bool automatic, qint64 minutes);
-    /// What ends with every end: other programs are told that the window is gone.
-    void sayGoodbye();
+    /// The session's end waits for what is not saved yet.
+    void finishForSession();
+    /// Everything is saved, or cannot be: other programs are told that the window is gone.
+    void end(int status);
 
     bool _isOwnHome;
     HomeFolder _home;
@@ -60,6 +62,8 @@ private:
     DBusNotifications _distributed;
     DesktopWorkspace _workspace;
     SingleInstance _instance;
+    bool _isQuitting = false;
+    bool _hasEnded = false;
     std::unique_ptr<MainWindow> _window;
     std::unique_ptr<BlacklistOpener> _blacklist;
     std::unique_ptr<ApplicationUpdates> _updates;
