@@ -49,7 +49,7 @@ QueryCorePtr asOne(const QList<QueryCorePtr>& nodes)
 {
     if (nodes.size() == 1)
         return nodes.constFirst();
-    const QueryCorePtr top = QueryCore::initWithQueryFolder(QString());
+    QueryCorePtr top = QueryCore::initWithQueryFolder(QString());
     top->setChildsFromArchive(nodes);
     return top;
 }

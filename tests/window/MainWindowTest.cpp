@@ -187,9 +187,13 @@ TEST_F(MainWindowTest, SomethingIsAlwaysSelectedAndEverythingHasARow)
     TreePane& tree = open().treePane();
     tree.expandAll();
     const WindowActions& actions = window->actions();
-    const auto spoken = [this, &tree](const QString& uuid) {
-        return static_cast<TreeModel*>(tree.model())->indexOf(uuid).data(Qt::AccessibleTextRole).toString();
+    auto& model = static_cast<TreeModel&>(*tree.model());
+    const auto spoken = [&model](const QString& uuid) {
+        return model.indexOf(uuid).data(Qt::AccessibleTextRole).toString();
     };
+    model.setUpdating({pond});
+    EXPECT_EQ(spoken(garden), u"Garden, 60 unread, being refreshed"_s) << "the folder may be closed";
+    model.setUpdating({});
     clickTree(u"bread"_s);
     actions.enabled->trigger();
     EXPECT_EQ(spoken(bread), u"bread, paused"_s);
