@@ -146,8 +146,11 @@ void TreePane::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint h
 void TreePane::select(const QString& uuid)
 {
     finishEditing(); // The node may be one that is not shown before that.
-    selectOnly(_model.indexOf(uuid));
-    scrollTo(currentIndex());
+    const QModelIndex index = _model.indexOf(uuid);
+    if (!index.isValid())
+        return;
+    selectOnly(index);
+    scrollTo(index);
 }
 
 void TreePane::selectOrFirst(const std::optional<QString>& uuid)

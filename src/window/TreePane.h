@@ -29,7 +29,7 @@ public:
     [[nodiscard]] QStringList selectedUuids() const;
     /// Ends the typing of a title; what was typed is kept.
     void finishEditing();
-    /// Selects that node alone.
+    /// Selects that node alone; nothing happens when it is not there.
     void select(const QString& uuid);
     /// Selects that node, or the first one when it is none or not there.
     void selectOrFirst(const std::optional<QString>& uuid);
