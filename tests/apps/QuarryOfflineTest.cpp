@@ -1,7 +1,9 @@
 // quarry offline copy: the real program, the pages on a loopback server.
 
 #include "UpdaterRig.h"
+#include "platform/FileLock.h"
 #include "support/QuarryProcess.h"
+#include "support/SessionBusDaemon.h"
 
 #include <QDir>
 
@@ -76,22 +78,45 @@ TEST_F(QuarryOffline, CopiesOnceAndOnlyWhatTheServiceMayName)
     EXPECT_EQ(services.requestCount(), requests);
 }
 
-TEST_F(QuarryOffline, AnInterruptLeavesNothingThatLooksComplete)
+void interrupt(QProcess& process)
 {
+    EXPECT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+}
+
+TEST_F(QuarryOffline, AStoppedCopyLeavesNothingThatLooksComplete)
+{
+    const SessionBusDaemon daemon;
     services.pages = {{"/a", "<p>One.</p>"}, {"/slow", "<p>Two.</p>"}};
-    services.hold("/slow");
     addQueryWithResults({services.address("/a"), services.address("/slow"), services.address("/a?3")});
-    QuarryProcess copying(home.path(), {u"offline"_s, u"copy"_s, u"bees"_s, folder, u"--json"_s});
-    services.waitUntilHeld();
-    ASSERT_EQ(names(folder).size(), 1);
-    EXPECT_TRUE(names(folder)[0].startsWith(u'.'));
-    ASSERT_EQ(::kill(static_cast<pid_t>(copying.process().processId()), SIGINT), 0);
-    const Ran ran = copying.wait();
+    for (void (*const stop)(QProcess&) : {interrupt, askEverybodyToQuit}) {
+        services.hold("/slow");
+        QuarryProcess copying(home.path(), {u"offline"_s, u"copy"_s, u"bees"_s, folder, u"--json"_s});
+        services.waitUntilHeld();
+        ASSERT_EQ(names(folder).size(), 1);
+        EXPECT_TRUE(names(folder)[0].startsWith(u'.'));
+        stop(copying.process());
+        const Ran ran = copying.wait();
+        EXPECT_EQ(ran.status, 1);
+        EXPECT_TRUE(ran.err.contains(u"stopped"_s)) << ran.err.toStdString();
+        EXPECT_TRUE(ran.json()[u"stopped"].toBool());
+        EXPECT_EQ(names(folder), QStringList());
+    }
+    EXPECT_EQ(services.requestCount(), 4U);
+}
+
+TEST_F(QuarryOffline, AnImportThatWaitsForAnotherProgramEndsWhenEverybodyIsAskedToQuit)
+{
+    const SessionBusDaemon daemon;
+    addQuery(u"bees"_s);
+    const QString file = home.path() + u"/kept.qsexport"_s;
+    ASSERT_EQ(runQuarry(home.path(), {u"export"_s, u"-o"_s, file}).status, 0);
+    const auto lock = FileLock::tryAcquire(home->writerLockFile());
+    ASSERT_TRUE(lock);
+    QuarryProcess importing(home.path(), {u"import"_s, file});
+    askEverybodyToQuit(importing.process());
+    const Ran ran = importing.wait();
     EXPECT_EQ(ran.status, 1);
-    EXPECT_TRUE(ran.err.contains(u"stopped"_s)) << ran.err.toStdString();
-    EXPECT_TRUE(ran.json()[u"stopped"].toBool());
-    EXPECT_EQ(names(folder), QStringList());
-    EXPECT_EQ(services.requestCount(), 2U);
+    EXPECT_TRUE(ran.err.contains(u"asked to quit"_s)) << ran.err.toStdString();
 }
 
 TEST_F(QuarryOffline, SaysWhyAFolderCannotBeWritten)

@@ -38,6 +38,7 @@ public:
     {
         const std::lock_guard lock(_mutex);
         _held = part;
+        _waiting = 0;
     }
     /// Returns once such a request has come.
     void waitUntilHeld()
@@ -79,7 +80,7 @@ private:
     std::mutex _mutex;
     std::condition_variable _changed;
     QByteArray _held;
-    int _waiting = 0; ///< Requests that were held.
+    int _waiting = 0; ///< Requests that were held since hold().
     LoopbackServer _server{[this](const QByteArray& head, const auto& send) { serve(head, send); }};
 };
 

@@ -170,16 +170,7 @@ TEST_F(UpdaterTest, EndsWhenEveryProgramOfTheProductIsAskedTo)
     QProcess process;
     start(process, Progress);
     ASSERT_TRUE(waitForEvent(process, about("service-answered", "hangs")));
-    QElapsedTimer timer;
-    timer.start();
-    // It may not listen yet the first time.
-    while (process.state() == QProcess::Running && timer.elapsed() < 60000) {
-        QProcess::execute(u"dbus-send"_s,
-                          {u"--session"_s, u"--type=signal"_s, u"/com/zep/QuarrySpotter/Notifications"_s,
-                           u"com.zep.QuarrySpotter.Notifications.Posted"_s, u"string:QUIT_EVERYBODY_NOTIFICATION QS1"_s,
-                           u"dict:string:string:by,a test"_s});
-        process.waitForFinished(100);
-    }
+    askEverybodyToQuit(process);
     EXPECT_EQ(end(process).status, 5);
 }
 

@@ -35,7 +35,8 @@ public:
     [[nodiscard]] QProcess& process() { return _process; }
     [[nodiscard]] Ran wait()
     {
-        const bool ended = _process.waitForFinished(120000) && _process.exitStatus() == QProcess::NormalExit;
+        const bool isOver = _process.state() == QProcess::NotRunning || _process.waitForFinished(120000);
+        const bool ended = isOver && _process.exitStatus() == QProcess::NormalExit;
         return {ended ? _process.exitCode() : -1, QString::fromUtf8(_process.readAllStandardOutput()),
                 QString::fromUtf8(_process.readAllStandardError())};
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -54,5 +55,21 @@ private:
     QTemporaryDir _folder;
     QProcess _daemon;
 };
+
+/// What an installer asks of every program of the product, until that process has ended: it may not listen yet the
+/// first time.
+inline void askEverybodyToQuit(QProcess& process)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (process.state() != QProcess::NotRunning && timer.elapsed() < 60000) {
+        QProcess::execute(QStringLiteral("dbus-send"), {QStringLiteral("--session"), QStringLiteral("--type=signal"),
+                                                        QStringLiteral("/com/zep/QuarrySpotter/Notifications"),
+                                                        QStringLiteral("com.zep.QuarrySpotter.Notifications.Posted"),
+                                                        QStringLiteral("string:QUIT_EVERYBODY_NOTIFICATION QS1"),
+                                                        QStringLiteral("dict:string:string:by,a test")});
+        process.waitForFinished(100);
+    }
+}
 
 } // namespace quarry::test

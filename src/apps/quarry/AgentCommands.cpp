@@ -77,10 +77,12 @@ void addAgentCommands(CommandLine& line)
     agent
         .command(QStringLiteral("start"), QStringLiteral("Start it in this desktop session"),
                  {QStringLiteral("quarry agent start")})
+        .takesLong()
         .action([](Session& session) { return start(session); });
     agent
         .command(QStringLiteral("stop"), QStringLiteral("End it until the next login"),
                  {QStringLiteral("quarry agent stop")})
+        .takesLong()
         .action([](Session& session) { return stop(session); });
     agent
         .command(QStringLiteral("status"), QStringLiteral("Whether it runs, and whether it starts at login"),

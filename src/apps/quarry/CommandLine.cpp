@@ -1,8 +1,10 @@
 #include "apps/quarry/CommandLine.h"
 
 #include "apps/quarry/Output.h"
+#include "apps/quarry/QuitWatch.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdlib>
 
 namespace quarry {
 
@@ -16,12 +18,23 @@ QStringList qtTexts(const std::vector<std::string>& texts)
     return out;
 }
 
+/// Nothing is lost: a file that is being written replaces the one before it only when it is complete.
+Outcome endingWithProduct(const Command::Action& action, Session& session)
+{
+    const QuitWatch watch([] {
+        writeError(QStringLiteral("quarry: stopped; every program of QuarrySpotter was asked to quit\n"));
+        std::quick_exit(static_cast<int>(Outcome::Exit::Failed));
+    });
+    return action(session);
+}
+
 } // namespace
 
 struct Command::Impl {
     CLI::App* app = nullptr;
     Action* chosen = nullptr;
     std::function<void(CLI::App*)> addHome;
+    bool takesLong = false;
 
     /// A command below this one.
     [[nodiscard]] std::shared_ptr<Impl> below(const QString& name, const QString& summary,
@@ -120,8 +133,16 @@ Command& Command::flag(const QString& flags, bool& value, const QString& help)
     return *this;
 }
 
+Command& Command::takesLong()
+{
+    _impl->takesLong = true;
+    return *this;
+}
+
 void Command::action(Action action)
 {
+    if (_impl->takesLong)
+        action = [action = std::move(action)](Session& session) { return endingWithProduct(action, session); };
     _impl->app->callback([action = std::move(action), chosen = _impl->chosen] { *chosen = action; });
 }
 

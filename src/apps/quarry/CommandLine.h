@@ -34,6 +34,9 @@ public:
     Command& choice(const QString& flags, std::optional<QString>& value, const QStringList& names, const QString& help);
     Command& flag(const QString& flags, bool& value, const QString& help);
 
+    /// It may take long, and can be broken off anywhere: it ends when every program of the product is asked to quit. A
+    /// command with something to put in order first listens by itself.
+    Command& takesLong();
     /// What is done when the command was given and everything fits.
     void action(Action action);
 

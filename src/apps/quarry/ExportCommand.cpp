@@ -1,6 +1,7 @@
 #include "apps/quarry/CommandLine.h"
 #include "apps/quarry/Naming.h"
 #include "apps/quarry/Output.h"
+#include "apps/quarry/QuitWatch.h"
 #include "exchange/ExportFile.h"
 #include "platform/Terminal.h"
 
@@ -40,7 +41,12 @@ ExportFormat formatOf(const Options& options)
 Outcome writeFile(Session& session, const QueryCorePtr& node, ExportFormat format, ExportedResults which,
                   const QString& name)
 {
-    const ExportFile file = exportToFile(node, format, which, name, session.home(), session.files());
+    // What is written of it goes when it is broken off.
+    std::atomic<bool> isStopped = false;
+    const QuitWatch watch([&isStopped] { isStopped = true; });
+    const ExportFile file = exportToFile(node, format, which, name, session.home(), session.files(), &isStopped);
+    if (!file.error.isEmpty() && isStopped)
+        return Outcome::failed(QStringLiteral("stopped; nothing was written"));
     return file.error.isEmpty() ? Outcome::done(QStringLiteral("Wrote ") + shown(file.path))
                                 : Outcome::failed(shown(file.error));
 }

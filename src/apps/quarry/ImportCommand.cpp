@@ -66,6 +66,7 @@ void addImportCommand(CommandLine& line)
         .argument(QStringLiteral("file"), options->file, QStringLiteral("The file; its content says what it is"))
         .option(QStringLiteral("--into"), QStringLiteral("FOLDER"), options->folder,
                 QStringLiteral("Where to put them; at the top level without"))
+        .takesLong()
         .action([options](Session& session) { return importCommand(session, *options); });
 }
 

@@ -26,7 +26,7 @@ OfflineCopier::OfflineCopier(Session& session, const QString& folder, StatusLine
                [&status](const QueryCore& query, qsizetype done, qsizetype all) {
                    status.show(QStringLiteral("%1: %2 of %3 results").arg(shownTitle(query)).arg(done).arg(all));
                }}),
-      _watcher([this] { watch(); })
+      _watcher([this] { watch(); }), _quitWatch([this] { _signals.request(); })
 {
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "apps/quarry/QuitWatch.h"
 #include "apps/quarry/Session.h"
 #include "apps/quarry/StatusLine.h"
 #include "engines/FolderCopier.h"
@@ -12,7 +13,8 @@ namespace quarry {
 /// "37 pages, 2 without text, 1 could not be read": the pages always, the rest when there is any.
 [[nodiscard]] QString textOf(const CopyCounts& counts);
 
-/// Copies pages and shows how far it is. Ctrl-C breaks off the page that is being loaded. Made before any other thread
+/// Copies pages and shows how far it is. Ctrl-C, or an installer that asks
+/// every program to quit, breaks off the page that is being loaded. Made before any other thread
 /// of the program; main thread only.
 class OfflineCopier final {
 public:
@@ -34,6 +36,7 @@ private:
     NotificationCenter _notifications;
     FolderCopier _copier;
     std::thread _watcher;
+    QuitWatch _quitWatch;
 };
 
 } // namespace quarry
