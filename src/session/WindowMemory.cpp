@@ -17,7 +17,8 @@ struct State {
 const std::array States = {State{QLatin1String("pref_windowGeometry"), &WindowLayout::geometry},
                            State{QLatin1String("pref_treeSplitter"), &WindowLayout::treeSplitter},
                            State{QLatin1String("pref_detailSplitter"), &WindowLayout::detailSplitter},
-                           State{QLatin1String("pref_resultColumns"), &WindowLayout::columns}};
+                           State{QLatin1String("pref_resultColumns"), &WindowLayout::columns},
+                           State{QLatin1String("pref_windowDocks"), &WindowLayout::docks}};
 
 } // namespace
 

@@ -17,6 +17,7 @@ struct WindowLayout {
     QByteArray treeSplitter;
     QByteArray detailSplitter;
     QByteArray columns;
+    QByteArray docks;                    ///< Which of the panes at the edges are shown, and where.
     QStringList expandedFolders;         ///< UUIDs
     std::optional<QString> selectedNode; ///< UUID; empty: everything.
     std::optional<qint64> order;         ///< As in ResultComparator.h.

@@ -7,12 +7,27 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
+#include <QPointer>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
 
 namespace quarry {
 
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::chrono::milliseconds ShortestWait = 1s;
+/// A machine that sleeps, or a clock that is set, does not make the new day wait longer than that.
+constexpr std::chrono::milliseconds LongestWait = 10min;
+
+} // namespace
+
 ChartsPane::ChartsPane(EventTimers& timers, Clock& clock, const StringTable& texts, QWidget* parent)
-    : QDockWidget(texts.text(QStringLiteral("220_Title")), parent), _texts(texts),
+    : QDockWidget(texts.text(QStringLiteral("220_Title")), parent), _timers(timers), _clock(clock), _texts(texts),
       _loader(timers, clock, [this](const ResultChart& chart) { take(chart); })
 {
     setObjectName(QStringLiteral("charts"));
@@ -45,11 +60,35 @@ void ChartsPane::showEvent(QShowEvent* event)
 {
     QDockWidget::showEvent(event);
     load();
+    if (!std::exchange(_isWaiting, true))
+        waitForMidnight();
 }
 
 void ChartsPane::load()
 {
+    _today = now().date();
     _loader.load(_node);
+}
+
+QDateTime ChartsPane::now() const
+{
+    return QDateTime::fromMSecsSinceEpoch(qint64(_clock.now().unixSeconds() * 1000.0));
+}
+
+void ChartsPane::waitForMidnight()
+{
+    const qint64 left = now().msecsTo(now().date().addDays(1).startOfDay());
+    const std::chrono::milliseconds wait = std::clamp(std::chrono::milliseconds(left), ShortestWait, LongestWait);
+    _timers.after(wait, [pane = QPointer<ChartsPane>(this)] {
+        if (!pane)
+            return;
+        pane->_isWaiting = pane->isVisible();
+        if (!pane->_isWaiting)
+            return; // Until it is shown again.
+        if (pane->now().date() != pane->_today)
+            pane->load();
+        pane->waitForMidnight();
+    });
 }
 
 void ChartsPane::take(const ResultChart& chart)

@@ -3,6 +3,7 @@
 #include "archive/StringTable.h"
 #include "session/ChartLoader.h"
 
+#include <QDateTime>
 #include <QDockWidget>
 
 class QLabel;
@@ -13,7 +14,7 @@ class DayChart;
 class ShareChart;
 
 /// What the selected node brought lately: new results per day, and each service's share. Counts nothing while it is
-/// hidden.
+/// hidden. At midnight it moves on to the new day.
 class ChartsPane final : public QDockWidget {
     Q_OBJECT
 
@@ -29,9 +30,15 @@ protected:
 
 private:
     void load();
+    [[nodiscard]] QDateTime now() const;
+    void waitForMidnight();
     void take(const ResultChart& chart);
 
+    EventTimers& _timers;
+    Clock& _clock;
     const StringTable& _texts;
+    QDate _today; ///< As of the latest count.
+    bool _isWaiting = false;
     ChartLoader _loader;
     QueryCorePtr _node;
     QString _name;

@@ -14,6 +14,7 @@
 
 #include <QLabel>
 #include <QMenuBar>
+#include <QScreen>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
@@ -48,8 +49,9 @@ void MainWindow::makePanes()
     _treeSplitter->setStretchFactor(0, 0);
     _treeSplitter->setStretchFactor(1, 1);
     _treeSplitter->setChildrenCollapsible(false);
-    resize(UsualSize);
-    _treeSplitter->setSizes({UsualTreeWidth, UsualSize.width() - UsualTreeWidth});
+    // The frame around it takes room, too.
+    resize(UsualSize.boundedTo(screen()->availableSize() * 0.94));
+    _treeSplitter->setSizes({UsualTreeWidth, width() - UsualTreeWidth});
 
     _charts = new ChartsPane(_parts.tree.timers, _parts.tree.clock, _parts.texts, this);
     addDockWidget(Qt::BottomDockWidgetArea, _charts);
@@ -154,6 +156,7 @@ void MainWindow::restoreLayout()
 {
     // What makes no sense to them leaves them as they are.
     restoreGeometry(_remembered.geometry);
+    restoreState(_remembered.docks);
     _treeSplitter->restoreState(_remembered.treeSplitter);
     _detailSplitter->restoreState(_remembered.detailSplitter);
     _resultsPane->restoreColumns(_remembered.columns);
@@ -165,6 +168,7 @@ WindowLayout MainWindow::layoutNow() const
 {
     WindowLayout layout = _remembered;
     layout.geometry = saveGeometry();
+    layout.docks = saveState();
     layout.treeSplitter = _treeSplitter->saveState();
     layout.detailSplitter = _detailSplitter->saveState();
     layout.columns = _resultsPane->columns();

@@ -17,7 +17,7 @@ TEST(WindowMemory, KeepsTheLayoutBesideWhatOthersHaveInThePreferences)
             {QStringLiteral("pref_unknown"), 7}, {QStringLiteral("pref_resultOrder"), QStringLiteral("no number")}})));
     const WindowMemory memory(home, files);
     EXPECT_EQ(memory.read(), WindowLayout()) << "what makes no sense counts as missing";
-    const WindowLayout layout{QByteArray("g\0g", 3), "t", "d", "c", {QStringLiteral("A"), QStringLiteral("B")},
+    const WindowLayout layout{QByteArray("g\0g", 3), "t", "d", "c", "w", {QStringLiteral("A"), QStringLiteral("B")},
                               QStringLiteral("A"),   3};
     ASSERT_EQ(memory.write(layout), QString());
     EXPECT_EQ(WindowMemory(home, files).read(), layout);

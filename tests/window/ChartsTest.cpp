@@ -1,4 +1,5 @@
 #include "WindowRig.h"
+#include "support/ManualTimers.h"
 #include "window/ChartsPane.h"
 #include "window/DayChart.h"
 #include "window/ShareChart.h"
@@ -82,6 +83,46 @@ TEST(ChartsTest, ShowWhatTheSelectedNodeBroughtInPicturesAndNumbers)
     keepPicture(rig.window.get(), QStringLiteral("charts-pond"));
     rig.window->actions().charts->trigger();
     EXPECT_FALSE(pane->isVisible());
+}
+
+TEST(ChartsTest, AreWhereTheyWereWhenTheWindowOpensAgain)
+{
+    WindowRig rig(fill);
+    for (const bool isShown : {true, false}) {
+        rig.window->actions().charts->trigger();
+        rig.window->addDockWidget(Qt::RightDockWidgetArea, rig.window->findChild<ChartsPane*>());
+        ASSERT_TRUE(rig.window->saveNow());
+        rig.window.reset();
+        (void)rig.open();
+        auto* const pane = rig.window->findChild<ChartsPane*>();
+        EXPECT_EQ(pane->isVisible(), isShown);
+        EXPECT_EQ(rig.window->actions().charts->isChecked(), isShown);
+        EXPECT_EQ(rig.window->dockWidgetArea(pane), Qt::RightDockWidgetArea);
+    }
+}
+
+TEST(ChartsTest, MoveOnToTheNewDayAtMidnight)
+{
+    ManualTimers timers;
+    SettableClock clock;
+    const StringTable texts = windowTexts();
+    ChartsPane pane(timers, clock, texts);
+    const QueryCorePtr query = QueryCore::initWithQuery(QStringLiteral("pond"));
+    query->restoreResults({foundAt(0, "1")}, {});
+    pane.show(query, QStringLiteral("pond"));
+    pane.QWidget::show();
+    const auto lines = [&] { return pane.findChild<DayChart*>()->accessibleDescription().split(u'\n'); };
+    ASSERT_TRUE(timers.runUntil([&] { return lines().size() == ResultChart::DayCount; }));
+    const QString today = lines().constLast();
+    EXPECT_TRUE(today.endsWith(QStringLiteral(": 1 new results"))) << qPrintable(today);
+
+    // Whatever time it is: a day later, with more than one look at the clock on the way.
+    for (int hour = 0; hour < 24; ++hour) {
+        clock.advance(3600.0);
+        timers.advance(std::chrono::hours(1));
+    }
+    ASSERT_TRUE(timers.runUntil([&] { return lines().constLast() != today; }));
+    EXPECT_EQ(lines().at(ResultChart::DayCount - 2), today);
 }
 
 } // namespace
