@@ -25,11 +25,6 @@ int alignedIn(const QWidget& widget, Qt::Alignment side)
 }
 constexpr int DaysBetweenDates = 7;
 
-QString shortDate(const QDate& date)
-{
-    return QLocale().toString(date, QStringLiteral("d MMM"));
-}
-
 /// The next number above that people like on a scale.
 qint64 topOfScale(qint64 most)
 {
@@ -136,7 +131,8 @@ void DayChart::paintScale(QPainter& painter) const
     }
     // Counted from today, so that its own date always stands there.
     for (qsizetype day = _chart.days.size() - 1; day >= 0; day -= DaysBetweenDates) {
-        const QString text = shortDate(_chart.days.at(day).date);
+        const QString text =
+            QLocale().toString(_chart.days.at(day).date, _texts.text(QStringLiteral("220_Date format")));
         QRect place(0, area.bottom() + 2, fontMetrics().horizontalAdvance(text) + 2, line);
         place.moveCenter({column(day).center().x(), place.center().y()});
         place.moveLeft(std::clamp(place.left(), 0, std::max(0, width() - place.width())));

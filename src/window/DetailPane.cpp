@@ -5,11 +5,11 @@
 #include "window/Highlight.h"
 
 #include <QDateTime>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
 #include <QMenu>
 #include <QTextBrowser>
+#include <QToolBar>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -17,53 +17,40 @@ namespace quarry {
 
 namespace {
 
-QToolButton* buttonFor(QAction* action, QWidget* parent)
-{
-    auto* const button = new QToolButton(parent);
-    button->setDefaultAction(action);
-    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    const auto follow = [button, action] { button->setVisible(action->isVisible()); };
-    QObject::connect(action, &QAction::changed, button, follow);
-    follow();
-    return button;
-}
-
 /// Opens a menu of the ratings.
-QToolButton* ratingButton(const WindowActions& actions, const QString& text, QWidget* parent)
+QAction* ratingAction(const WindowActions& actions, const QString& text, QToolBar* bar)
 {
-    auto* const button = new QToolButton(parent);
-    auto* const menu = new QMenu(button);
+    auto* const menu = new QMenu(bar);
     for (QAction* const action : actions.rate)
         menu->addAction(action);
-    button->setText(text);
-    button->setMenu(menu);
-    button->setPopupMode(QToolButton::InstantPopup);
+    QAction* const rating = menu->menuAction();
+    rating->setText(text);
     const QAction* const any = actions.rate.front();
-    const auto follow = [button, any] { button->setEnabled(any->isEnabled()); };
-    QObject::connect(any, &QAction::changed, button, follow);
+    const auto follow = [rating, any] { rating->setEnabled(any->isEnabled()); };
+    QObject::connect(any, &QAction::changed, rating, follow);
     follow();
-    return button;
+    return rating;
 }
 
 } // namespace
 
 DetailPane::DetailPane(WindowActions& actions, const StringTable& texts, QWidget* parent)
     : QWidget(parent), _texts(texts), _facts(new QLabel(this)), _text(new QTextBrowser(this)),
-      _buttons(new QWidget(this))
+      _buttons(new QToolBar(this))
 {
-    auto* const row = new QHBoxLayout(_buttons);
-    row->setContentsMargins(0, 0, 0, 0);
-    for (QAction* action :
-         {actions.openResult, actions.markRead, actions.markUnread, actions.hideResult, actions.showAgain})
-        row->addWidget(buttonFor(action, _buttons));
-    row->addWidget(ratingButton(actions, texts.text(QStringLiteral("203_Rate")), _buttons));
-    for (QAction* action : {actions.excludeHost, actions.blacklistAddress, actions.copyAddress})
-        row->addWidget(buttonFor(action, _buttons));
-    row->addStretch(1);
+    // What finds no room goes into the menu at its end.
+    _buttons->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    QAction* const rating = ratingAction(actions, texts.text(QStringLiteral("203_Rate")), _buttons);
+    _buttons->addActions({actions.openResult, actions.markRead, actions.markUnread, actions.hideResult,
+                          actions.showAgain, rating, actions.excludeHost, actions.blacklistAddress,
+                          actions.copyAddress});
+    qobject_cast<QToolButton*>(_buttons->widgetForAction(rating))->setPopupMode(QToolButton::InstantPopup);
     _facts->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     _facts->setTextFormat(Qt::PlainText);
     _facts->setWordWrap(true);
+    _facts->setIndent(fontMetrics().averageCharWidth());
     _text->setOpenLinks(false); // Addresses open by the action, which marks the result as read.
+    _text->setPlaceholderText(texts.text(QStringLiteral("204_Nothing selected")));
     _text->setAccessibleName(texts.text(QStringLiteral("204_Detail")));
     connect(_text, &QTextBrowser::anchorClicked, actions.openResult, &QAction::trigger);
     auto* const layout = new QVBoxLayout(this);

@@ -9,6 +9,7 @@
 
 class QLabel;
 class QTextBrowser;
+class QToolBar;
 
 namespace quarry {
 
@@ -35,7 +36,7 @@ private:
     QString _html; ///< What the text was made of.
     QLabel* _facts = nullptr;
     QTextBrowser* _text = nullptr;
-    QWidget* _buttons = nullptr;
+    QToolBar* _buttons = nullptr;
 };
 
 } // namespace quarry

@@ -1,6 +1,7 @@
 #include "window/FiltersSheet.h"
 
 #include "text/LocalisedFormat.h"
+#include "window/DialogButtons.h"
 #include "window/FilterList.h"
 
 #include <QCheckBox>
@@ -38,9 +39,7 @@ FiltersSheet::FiltersSheet(const Query& query, const StringTable& texts, QWidget
     warning->setWordWrap(true);
     connect(_blacklist, &QCheckBox::toggled, warning, [warning](bool on) { warning->setVisible(!on); });
     connect(_highlights, &QCheckBox::toggled, _words, &QWidget::setEnabled);
-    auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* const buttons = okAndCancel(texts, this);
     auto* const column = new QVBoxLayout(this);
     for (QWidget* const widget :
          std::initializer_list<QWidget*>{label, _filters, _blacklist, warning, _digests, _highlights, _words, buttons})

@@ -25,6 +25,7 @@
 #include <QLocale>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QTableView>
@@ -404,7 +405,10 @@ void MainWindow::treeReplaced()
     _treePane->rebuild();
     _isTreeShown = true;
     if (wasEmpty) {
-        _treePane->setExpanded(_remembered.expandedFolders);
+        if (_remembered.geometry.isEmpty())
+            _treePane->expandAll(); // Never seen before: nothing is to be missed.
+        else
+            _treePane->setExpanded(_remembered.expandedFolders);
         _treePane->selectOrFirst(_remembered.selectedNode);
     }
     showNode();
@@ -469,7 +473,7 @@ void MainWindow::saveAll(std::function<void(bool isSaved)> done)
 
 void MainWindow::finish(std::function<void(bool isSaved)> done)
 {
-    _import.whenIdle([this, done = std::move(done)] { saveAll(done); });
+    _transfers->stopToQuit([this, done = std::move(done)] { _import.whenIdle([this, done] { saveAll(done); }); });
 }
 
 void MainWindow::leave()
@@ -497,6 +501,10 @@ void MainWindow::askWhetherToLeave()
                         QMessageBox::Retry | QMessageBox::Discard | QMessageBox::Cancel, this);
     question->setAttribute(Qt::WA_DeleteOnClose);
     question->setDefaultButton(QMessageBox::Retry);
+    for (const auto& [which, key] :
+         {std::pair(QMessageBox::Retry, u"200_Retry"), std::pair(QMessageBox::Discard, u"200_Discard"),
+          std::pair(QMessageBox::Cancel, u"200_Cancel")})
+        question->button(which)->setText(_parts.texts.text(QString::fromUtf16(key)));
     connect(question, &QMessageBox::finished, this, [this](int answer) {
         if (answer == QMessageBox::Cancel)
             return;

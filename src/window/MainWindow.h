@@ -56,8 +56,9 @@ public:
     explicit MainWindow(WindowParts parts);
     ~MainWindow() override;
 
-    /// The end that nobody is asked about: what was handed over comes in, and everything is saved, while the window
-    /// goes on. Then calls back; false when something could not be saved, tree().fault() says why.
+    /// The end that nobody is asked about: a running copy of pages stops, what was handed over comes in, and everything
+    /// is saved, while the window goes on. Then calls back; false when something could not be saved, tree().fault()
+    /// says why.
     void finish(std::function<void(bool isSaved)> done);
     /// Also when it is about to close. The token is the desktop's permission to take the focus; may be empty.
     void bringToFront(const QString& activationToken);

@@ -19,14 +19,18 @@ namespace {
 
 struct Kind {
     ExportFormat format;
+    ExportedResults results;
     const char16_t* filter; ///< Key of its name in the file dialog.
 };
 
-constexpr Kind Kinds[] = {{ExportFormat::QsExport, u"214_Kind qsexport"},
-                          {ExportFormat::Opml, u"214_Kind opml"},
-                          {ExportFormat::Json, u"214_Kind json"},
-                          {ExportFormat::Csv, u"214_Kind csv"},
-                          {ExportFormat::Atom, u"214_Kind atom"}};
+constexpr Kind Kinds[] = {{ExportFormat::QsExport, ExportedResults::All, u"214_Kind qsexport"},
+                          {ExportFormat::Opml, ExportedResults::All, u"214_Kind opml"},
+                          {ExportFormat::Json, ExportedResults::All, u"214_Kind json"},
+                          {ExportFormat::Json, ExportedResults::New, u"214_Kind new json"},
+                          {ExportFormat::Csv, ExportedResults::All, u"214_Kind csv"},
+                          {ExportFormat::Csv, ExportedResults::New, u"214_Kind new csv"},
+                          {ExportFormat::Atom, ExportedResults::All, u"214_Kind atom"},
+                          {ExportFormat::Atom, ExportedResults::New, u"214_Kind new atom"}};
 
 QString extensionOf(ExportFormat format)
 {
@@ -95,13 +99,15 @@ void NodeTransfers::askForExport()
     const QueryCorePtr single = uuids.size() == 1 ? _parts.tree.node(uuids.constFirst()) : nullptr;
     dialog->selectFile(fileNameFor(single ? single->title() : QStringLiteral("QuarrySpotter")));
     connect(dialog, &QFileDialog::fileSelected, this, [this, dialog, uuids, filters](const QString& file) {
-        const qsizetype kind = std::max<qsizetype>(0, filters.indexOf(dialog->selectedNameFilter()));
-        exportTo(uuids, file, exportFormatOfFile(file).value_or(Kinds[kind].format));
+        const Kind& kind = Kinds[std::max<qsizetype>(0, filters.indexOf(dialog->selectedNameFilter()))];
+        const ExportFormat format = exportFormatOfFile(file).value_or(kind.format);
+        exportTo(uuids, file, format, isOfResults(format) ? kind.results : ExportedResults::All);
     });
     dialog->open();
 }
 
-void NodeTransfers::exportTo(const QStringList& nodes, const QString& file, ExportFormat format)
+void NodeTransfers::exportTo(const QStringList& nodes, const QString& file, ExportFormat format,
+                             ExportedResults results)
 {
     const QList<QueryCorePtr> exported = nodesOf(nodes);
     if (exported.isEmpty()) {
@@ -115,9 +121,9 @@ void NodeTransfers::exportTo(const QStringList& nodes, const QString& file, Expo
         filledFormat(_parts.texts.text(QStringLiteral("214_Exporting")), {QDir::toNativeSeparators(file)}));
     connect(progress, &QProgressDialog::canceled, this, [cancelled] { *cancelled = true; });
     const QPointer<QProgressDialog> shown = progress;
-    _exporter.add([this, node = asOne(exported), file, format, cancelled, shown, home = _parts.session.home,
+    _exporter.add([this, node = asOne(exported), file, format, results, cancelled, shown, home = _parts.session.home,
                    &files = _parts.session.files] {
-        const ExportFile done = exportToFile(node, format, ExportedResults::All, file, home, files, cancelled.get());
+        const ExportFile done = exportToFile(node, format, results, file, home, files, cancelled.get());
         // A call that is queued for an object that went is dropped by Qt.
         QMetaObject::invokeMethod(this, [this, done, shown, cancelled] {
             if (shown)

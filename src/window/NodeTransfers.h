@@ -39,7 +39,7 @@ public:
     void stopToQuit(std::function<void()> reply) { _copy.stopToQuit(std::move(reply)); }
 
     // No nodes stand for everything. What is not there any more is passed over.
-    void exportTo(const QStringList& nodes, const QString& file, ExportFormat format);
+    void exportTo(const QStringList& nodes, const QString& file, ExportFormat format, ExportedResults results);
     void copyTo(const QStringList& nodes, const QString& folder);
 
 Q_SIGNALS:

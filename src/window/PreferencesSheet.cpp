@@ -4,6 +4,7 @@
 #include "engines/SearchServices.h"
 #include "engines/SearchServicesFile.h"
 #include "text/LocalisedFormat.h"
+#include "window/DialogButtons.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -36,10 +37,8 @@ PreferencesSheet::PreferencesSheet(Parts parts, QWidget* parent) : QDialog(paren
     _fault->setObjectName(QStringLiteral("fault"));
     _fault->setTextFormat(Qt::PlainText);
     _fault->setWordWrap(true);
-    auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    auto* const buttons = okAndCancel(_parts.texts, this);
     _ok = buttons->button(QDialogButtonBox::Ok);
-    connect(buttons, &QDialogButtonBox::accepted, this, &PreferencesSheet::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &PreferencesSheet::reject);
     auto* const column = new QVBoxLayout(this);
     column->addLayout(layout);
     column->addStretch(1);

@@ -1,5 +1,6 @@
 #include "window/QuerySheet.h"
 
+#include "window/DialogButtons.h"
 #include "window/ExpressionEdit.h"
 
 #include <QComboBox>
@@ -46,10 +47,8 @@ QuerySheet::QuerySheet(Form form, const Known& known, const StringTable& texts, 
     _objection = new QLabel(this);
     _objection->setObjectName(QStringLiteral("objection"));
     _objection->setWordWrap(true);
-    auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    auto* const buttons = okAndCancel(texts, this);
     _ok = buttons->button(QDialogButtonBox::Ok);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QuerySheet::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QuerySheet::reject);
     column->addLayout(layout);
     column->addStretch(1);
     column->addWidget(_objection);

@@ -6,19 +6,41 @@
 #include <QAction>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMap>
+#include <QPainter>
 #include <QProgressBar>
 #include <QStyle>
 #include <QToolButton>
 
 namespace quarry {
 
+namespace {
+
+/// One line that ends in an ellipsis where there is no room for all of it; it does not widen the window.
+class ElidedLabel final : public QLabel {
+public:
+    using QLabel::QLabel;
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, width());
+        const Qt::Alignment side = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft);
+        style()->drawItemText(&painter, rect(), int((side | Qt::AlignVCenter).toInt()), palette(), isEnabled(), shown,
+                              foregroundRole());
+    }
+};
+
+} // namespace
+
 RefreshBar::RefreshBar(const StringTable& texts, QAction* stop, QAction* health, QWidget* parent)
-    : QWidget(parent), _texts(texts), _text(new QLabel(this)), _progress(new QProgressBar(this)),
+    : QWidget(parent), _texts(texts), _text(new ElidedLabel(this)), _progress(new QProgressBar(this)),
       _stop(new QToolButton(this)), _health(new QToolButton(this))
 {
     constexpr int ProgressWidth = 160;
     _text->setTextFormat(Qt::PlainText);
-    _text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // A long one does not widen the window.
+    _text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     _progress->setMaximumWidth(ProgressWidth);
     _progress->setTextVisible(false);
     _progress->setAccessibleName(texts.text(QStringLiteral("205_Progress")));
@@ -51,7 +73,8 @@ void RefreshBar::show(const RefreshState& state)
     const QString text = state.isRunning ? runningText(state) : endText(state);
     _text->setText(
         troubled.isEmpty() ? text : filledFormat(_texts.text(QStringLiteral("221_With troubles")), {text, troubled}));
-    QStringList faults = state.faults;
+    QStringList faults = {_text->text()}; // All of it, should there be no room.
+    faults += state.faults;
     for (auto service = state.serviceErrors.begin(); service != state.serviceErrors.end(); ++service)
         faults.append(service.key() + QLatin1String(": ") + service.value());
     _text->setToolTip(faults.join(u'\n'));
@@ -59,12 +82,15 @@ void RefreshBar::show(const RefreshState& state)
 
 QString RefreshBar::troubles(const RefreshState& state) const
 {
-    QStringList troubled;
+    QMap<ServiceVerdict, QStringList> services;
     for (auto service = state.services.begin(); service != state.services.end(); ++service) {
         if (*service != ServiceVerdict::Results && *service != ServiceVerdict::NothingFound)
-            troubled.append(filledFormat(_texts.text(QStringLiteral("221_Service and state")),
-                                         {searchServiceName(service.key()), verdictWords(_texts, *service)}));
+            services[*service].append(searchServiceName(service.key()));
     }
+    QStringList troubled;
+    for (auto of = services.begin(); of != services.end(); ++of)
+        troubled.append(filledFormat(_texts.text(QStringLiteral("221_Service and state")),
+                                     {verdictWords(_texts, of.key()), of->join(QLatin1String(", "))}));
     return troubled.join(QLatin1String("; "));
 }
 

@@ -23,7 +23,7 @@ public:
 private:
     [[nodiscard]] QString runningText(const RefreshState& state) const;
     [[nodiscard]] QString endText(const RefreshState& state) const;
-    /// "Bing: blocked": the services that brought nothing and should have.
+    /// "blocked: Bing, Yahoo": the services that brought nothing and should have.
     [[nodiscard]] QString troubles(const RefreshState& state) const;
 
     const StringTable& _texts;

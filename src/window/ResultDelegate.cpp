@@ -49,8 +49,8 @@ void paintStars(QPainter& painter, const QStyleOptionViewItem& option, int ratin
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(colour, 1.0));
     for (int i = 0; i < ResultDelegate::MostStars; ++i) {
-        QRectF box(option.rect.left() + Margin + i * size, option.rect.center().y() - size / 2.0, size, size);
-        box.adjust(1, 1, -1, -1);
+        const QRect place(option.rect.left() + Margin + i * size, option.rect.center().y() - size / 2, size, size);
+        const QRectF box = QRectF(QStyle::visualRect(option.direction, option.rect, place)).adjusted(1, 1, -1, -1);
         painter.setBrush(i < rating ? QBrush(colour) : QBrush(Qt::NoBrush));
         painter.setOpacity(i < rating ? 1.0 : 0.5);
         painter.drawPath(star(box));
@@ -131,7 +131,8 @@ bool ResultDelegate::editorEvent(QEvent* event, QAbstractItemModel* model, const
         return QStyledItemDelegate::editorEvent(event, model, option, index);
     const auto* const mouse = static_cast<const QMouseEvent*>(event);
     const int size = starSize(option.rect);
-    const int offset = static_cast<int>(mouse->position().x()) - option.rect.left() - Margin;
+    const QPoint at = QStyle::visualPos(option.direction, option.rect, mouse->position().toPoint());
+    const int offset = at.x() - option.rect.left() - Margin;
     if (mouse->button() != Qt::LeftButton || size <= 0 || offset < 0 || offset >= size * MostStars)
         return false;
     const int clicked = offset / size + 1;

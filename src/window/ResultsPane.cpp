@@ -47,7 +47,9 @@ ResultsPane::ResultsPane(EventTimers& timers, const StringTable& texts, QWidget*
 {
     makeControls(texts);
     makeList(texts);
+    const int gap = style()->pixelMetric(QStyle::PM_FocusFrameHMargin) * 2;
     auto* const controls = new QHBoxLayout;
+    controls->setContentsMargins(gap, gap, gap, 0);
     controls->addWidget(_search, 1);
     controls->addWidget(_order);
     controls->addWidget(_hidden);
@@ -80,6 +82,7 @@ void ResultsPane::makeControls(const StringTable& texts)
     connect(_hidden, &QToolButton::toggled, this, [this] { load(); });
 
     _count = new QLabel(this);
+    _count->setIndent(fontMetrics().averageCharWidth());
 }
 
 void ResultsPane::makeList(const StringTable& texts)
@@ -119,6 +122,12 @@ void ResultsPane::makeList(const StringTable& texts)
         if (!_isTaking)
             Q_EMIT selectedResultsChanged();
     });
+    _empty = new QLabel(_list->viewport());
+    _empty->setObjectName(QStringLiteral("whyEmpty"));
+    _empty->setAlignment(Qt::AlignCenter);
+    _empty->setWordWrap(true);
+    _empty->setForegroundRole(QPalette::PlaceholderText);
+    (new QVBoxLayout(_list->viewport()))->addWidget(_empty);
 }
 
 void ResultsPane::show(const QueryCorePtr& node, qint64 expected)
@@ -195,6 +204,10 @@ void ResultsPane::sayCount()
     _count->setText(filledFormat(_texts.text(_model.rowCount() == 1 ? QStringLiteral("202_One result")
                                                                     : QStringLiteral("202_Number of results")),
                                  {number}));
+    const char16_t* const why = !_search->text().isEmpty() ? u"202_Empty search"
+                                : showsHidden()            ? u"202_Empty hidden"
+                                                           : u"202_Empty";
+    _empty->setText(_model.rowCount() == 0 ? _texts.text(QString::fromUtf16(why)) : QString());
 }
 
 QModelIndexList ResultsPane::selectedRows() const

@@ -76,6 +76,7 @@ private:
     QToolButton* _hidden = nullptr;
     QTableView* _list = nullptr;
     QLabel* _count = nullptr;
+    QLabel* _empty = nullptr; ///< Why there is nothing in the list.
 };
 
 } // namespace quarry

@@ -32,7 +32,9 @@ QIcon draw(QChar letter, const QColor& colour)
     painter.setPen(Qt::white);
     painter.drawText(picture.rect(), Qt::AlignCenter, letter);
     painter.end();
-    return QIcon(picture);
+    QIcon icon(picture);
+    icon.addPixmap(picture, QIcon::Selected); // A tinted letter on a tinted ground cannot be read.
+    return icon;
 }
 
 QHash<QString, QIcon> drawAll()

@@ -91,7 +91,9 @@ TEST(ChartsTest, AreWhereTheyWereWhenTheWindowOpensAgain)
     for (const bool isShown : {true, false}) {
         rig.window->actions().charts->trigger();
         rig.window->addDockWidget(Qt::RightDockWidgetArea, rig.window->findChild<ChartsPane*>());
-        ASSERT_TRUE(rig.window->saveNow());
+        bool isSaved = false;
+        rig.window->finish([&isSaved](bool is) { isSaved = is; });
+        ASSERT_TRUE(happens([&isSaved] { return isSaved; }));
         rig.window.reset();
         (void)rig.open();
         auto* const pane = rig.window->findChild<ChartsPane*>();

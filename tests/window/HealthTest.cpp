@@ -98,8 +98,9 @@ TEST(HealthTest, ARefreshEndsWithTheServicesThatFailed)
     EXPECT_FALSE(well.contains(u'(')) << qPrintable(well);
     state.services[SearchService::Yahoo] = ServiceVerdict::Unreachable;
     state.services[SearchService::Bing] = ServiceVerdict::Blocked;
+    state.services[SearchService::Exalead] = ServiceVerdict::Unreachable;
     bar.show(state);
-    EXPECT_EQ(text->text(), well + QStringLiteral(" (Yahoo: unreachable; Bing: blocked)"));
+    EXPECT_EQ(text->text(), well + QStringLiteral(" (blocked: Bing; unreachable: Yahoo, Exalead)"));
     const QList<QToolButton*> buttons = bar.findChildren<QToolButton*>();
     EXPECT_TRUE(std::any_of(buttons.begin(), buttons.end(), [&](const QToolButton* button) {
         return button->defaultAction() == &health && button->isVisible();

@@ -49,7 +49,9 @@ protected:
     QToolButton* button(const QAction* action)
     {
         for (QToolButton* const each : detail().findChildren<QToolButton*>()) {
-            if (each->defaultAction() == action || (each->menu() && each->menu()->actions().contains(action)))
+            const QAction* const of = each->defaultAction();
+            const QMenu* const menu = of ? of->menu() : nullptr;
+            if (of == action || (menu && menu->actions().contains(action)))
                 return each;
         }
         ADD_FAILURE() << "no button for " << action->text().toStdString();
@@ -345,9 +347,10 @@ TEST_F(MainWindowTest, HiddenResultsAreShownOnRequestAndComeBack)
     ASSERT_TRUE(hidden);
     QTest::mouseClick(hidden, Qt::LeftButton);
     EXPECT_EQ(shownTitles(), (QStringList{u"r60"_s, u"r59"_s}));
-    EXPECT_FALSE(button(window->actions().hideResult)->isVisible());
+    EXPECT_TRUE(happens([this] { return !button(window->actions().hideResult)->isVisible(); }));
     list().selectAll();
-    EXPECT_TRUE(button(window->actions().showAgain)->isVisible()) << "what works on one works on several";
+    EXPECT_TRUE(happens([this] { return button(window->actions().showAgain)->isVisible(); }))
+        << "what works on one works on several";
     QTest::keyClick(&list(), Qt::Key_H);
     EXPECT_EQ(list().model()->rowCount(), 0);
     QTest::mouseClick(hidden, Qt::LeftButton);

@@ -131,6 +131,43 @@ TEST_F(ImportTest, ClosingTheWindowDoesNotWaitForAFile)
     letGoNow.set_value();
 }
 
+TEST(TransfersTest, OnlyNewResultsAreExportedWhereTheKindOfFileSaysSo)
+{
+    WindowRig rig([](const QueryCorePtr& root) {
+        const QueryCorePtr bread = QueryCore::initWithQuery(Bread);
+        root->addChild(bread);
+        bread->restoreResults({resultAt(QStringLiteral("http://old.example/")),
+                               resultAt(QStringLiteral("http://new.example/")).withNewSincePrevious(true)},
+                              {});
+    });
+    rig.select(Bread);
+    struct Case {
+        const char16_t* kind;
+        const char* file;
+        bool hasOld;
+    };
+    const Case cases[] = {{u"214_Kind json", "all.json", true},
+                          {u"214_Kind new json", "new.json", false},
+                          {u"214_Kind new csv", "new.csv", false},
+                          {u"214_Kind new atom", "new.atom", false},
+                          {u"214_Kind new csv", "everything.qsexport", true}};
+    for (const Case& each : cases) {
+        const QString file = rig.home.path() + u'/' + QString::fromLatin1(each.file);
+        rig.window->actions().exportNode->trigger();
+        auto* const dialog = qobject_cast<QFileDialog*>(rig.sheet());
+        const QStringList kinds = dialog->nameFilters();
+        dialog->selectNameFilter(kinds.filter(rig.texts.text(QString::fromUtf16(each.kind))).value(0));
+        auto* const name = dialog->findChild<QLineEdit*>();
+        name->setText(file);
+        QTest::keyClick(name, Qt::Key_Return);
+        ASSERT_TRUE(happens([&] { return notice(rig).contains(file); })) << each.file;
+        const QByteArray content = contentOf(file);
+        EXPECT_TRUE(content.contains("new.example")) << each.file;
+        EXPECT_EQ(content.contains("old.example"), each.hasOld) << each.file;
+        ASSERT_TRUE(happens([&] { return rig.window->findChildren<QFileDialog*>().isEmpty(); }));
+    }
+}
+
 /// A server whose second page does not come before it is let go.
 class OfflineTest : public testing::Test {
 protected:
@@ -194,19 +231,27 @@ TEST_F(OfflineTest, StopBreaksOffAndKeepsNothingUnfinished)
     keepPicture(rig.window.get(), QStringLiteral("offline-stopped"));
 }
 
-TEST_F(OfflineTest, ClosingTheWindowEndsARunningCopyFirst)
+TEST_F(OfflineTest, EveryWayToQuitEndsARunningCopyFirst)
 {
-    transfers().copyTo({rig.node(QStringLiteral("slow"))->UUID()}, folder);
-    ASSERT_TRUE(happens([&] { return isHeld.load(); }));
-    bool isClosed = false;
-    QObject::connect(rig.window.get(), &MainWindow::closed, rig.window.get(), [&] {
-        isClosed = true;
+    int ends = 0;
+    const auto ended = [&] {
+        ++ends;
         EXPECT_FALSE(transfers().isCopying());
-    });
-    rig.window->close();
-    EXPECT_TRUE(rig.window->isVisible()) << "it waits for the copy's reply";
-    ASSERT_TRUE(happens([&] { return isClosed; }));
-    EXPECT_EQ(names(folder), QStringList());
+    };
+    QObject::connect(rig.window.get(), &MainWindow::closed, rig.window.get(), ended);
+    const std::function<void()> ways[] = {[&] { rig.window->finish([&](bool) { ended(); }); },
+                                          [&] { rig.window->close(); }};
+    for (const std::function<void()>& quit : ways) {
+        const int before = ends;
+        isHeld = false;
+        transfers().copyTo({rig.node(QStringLiteral("slow"))->UUID()}, folder);
+        ASSERT_TRUE(happens([&] { return isHeld.load(); }));
+        quit();
+        EXPECT_EQ(ends, before) << "it waits for the copy's reply";
+        EXPECT_TRUE(rig.window->isVisible());
+        ASSERT_TRUE(happens([&] { return ends == before + 1; }));
+        EXPECT_EQ(names(folder), QStringList());
+    }
 }
 
 } // namespace

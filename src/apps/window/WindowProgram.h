@@ -37,7 +37,7 @@ public:
     };
     /// Opens the window, or hands over to the copy that has it.
     [[nodiscard]] Start start(const QStringList& files);
-    /// Saves without asking anybody, then ends the event loop.
+    /// Lets a running copy of pages stop, saves without asking anybody, then ends the event loop.
     void quit();
 
 private:

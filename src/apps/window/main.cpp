@@ -3,6 +3,7 @@
 #include "apps/DesktopOptions.h"
 #include "apps/RegexMessages.h"
 #include "apps/window/WindowProgram.h"
+#include "blacklist/ui/AnswerColor.h"
 #include "platform/HomeFolder.h"
 #include "platform/SystemLog.h"
 #include "platform/Terminal.h"
@@ -10,6 +11,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QLibraryInfo>
+#include <QPalette>
 #include <QTranslator>
 
 namespace {
@@ -23,6 +25,19 @@ constexpr DesktopOptions::Help Help = {"QuarrySpotter",
                                        "One window a user: a second start brings the first to the front.",
                                        "Exported files (.qsexport) or lists of searches (OPML) to import",
                                        "An interrupt or SIGTERM saves and ends it.\n"};
+
+/// Some platform themes leave what is written in an empty field black, on their dark ground too.
+void makePlaceholdersLegible()
+{
+    constexpr double LeastContrast = 3.0;
+    QPalette palette = QApplication::palette();
+    if (contrastRatio(palette.color(QPalette::PlaceholderText), palette.color(QPalette::Base)) >= LeastContrast)
+        return;
+    QColor colour = palette.color(QPalette::Text);
+    colour.setAlphaF(0.5F);
+    palette.setColor(QPalette::PlaceholderText, colour);
+    QApplication::setPalette(palette);
+}
 
 int run(const DesktopOptions& options, bool isOwnHome, StopSignals& signals)
 {
@@ -66,6 +81,7 @@ int main(int argc, char** argv)
     if (translator.load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
                         QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
         QApplication::installTranslator(&translator);
+    makePlaceholdersLegible();
     localiseRegexMessages();
     return run(*options, isOwnHome, signals);
 }
