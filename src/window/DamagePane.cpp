@@ -47,7 +47,7 @@ DamagePane::DamagePane(const StringTable& texts, QWidget* parent)
 
 void DamagePane::show(const QString& reason, const QString& copy, bool mayBegin)
 {
-    QStringList lines = {filledFormat(_texts.text(QStringLiteral("208_Cannot be read")), {reason})};
+    QStringList lines = {filledFormat(_texts.text(QStringLiteral("208_Cannot be read")), {_texts.text(reason)})};
     if (mayBegin && !copy.isEmpty())
         lines.append(filledFormat(_texts.text(QStringLiteral("208_Copy")), {copy}));
     lines.append(_texts.text(mayBegin ? QStringLiteral("208_What to do") : QStringLiteral("208_Waiting")));

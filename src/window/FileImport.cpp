@@ -94,7 +94,8 @@ void FileImport::take(const File& file, const Made& made)
     // A tree that is not there cannot take anything.
     const QString fault = made.fault.isEmpty() && _parts.tree.isDamaged() ? _parts.tree.fault() : made.fault;
     if (!fault.isEmpty()) {
-        tell(false, filledFormat(_parts.texts.text(QStringLiteral("206_Not imported")), {nameOf(file.path), fault}));
+        tell(false, filledFormat(_parts.texts.text(QStringLiteral("206_Not imported")),
+                                 {nameOf(file.path), _parts.texts.text(fault)}));
         return;
     }
     QList<edits::Reversible> changes;

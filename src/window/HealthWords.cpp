@@ -42,7 +42,7 @@ QString healthWords(const StringTable& texts, const ServiceHealth& health)
             details.append(pagesWords(texts, u"221_Pages missed", health.pagesMissed(), health.pages()));
     } else if (verdict != ServiceVerdict::NothingFound) {
         if (!judged.error.isEmpty())
-            details.append(judged.error);
+            details.append(texts.text(judged.error));
         else if (verdict == ServiceVerdict::Blocked)
             details.append(texts.text(QStringLiteral("221_Challenge")));
         if (judged.pages < health.pages())

@@ -208,7 +208,7 @@ QString NodeTransfers::summaryOf(const OfflineCopyState& state) const
                          line(QStringLiteral("214_Unreadable"), state.counts.unreadable),
                          line(QStringLiteral("214_There"), state.there),
                          line(QStringLiteral("214_Failed"), state.failed),
-                         state.error,
+                         _parts.texts.text(state.error),
                          state.isStopped ? _parts.texts.text(QStringLiteral("214_Copy stopped")) : QString()};
     lines.removeAll(QString());
     return lines.join(u'\n');

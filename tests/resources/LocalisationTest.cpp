@@ -93,6 +93,25 @@ TEST(Localisation, TablesOfAllLanguagesHaveTheSameKeysAndPlaceholders)
     }
 }
 
+TEST(Localisation, FaultsThatAreKeysAreSaidLikeThatBelowTheWindow)
+{
+    QByteArray code;
+    QDirIterator sources(QStringLiteral(QUARRY_TEST_DATA "/../../src"), {u"*.cpp"_s}, QDir::Files,
+                         QDirIterator::Subdirectories);
+    while (sources.hasNext()) {
+        QFile source(sources.next());
+        EXPECT_TRUE(source.open(QIODevice::ReadOnly));
+        code += source.readAll();
+    }
+    const QMap<QString, QString> table = tableOf(u"English.lproj"_s, u"Window.strings"_s);
+    for (auto text = table.begin(); text != table.end(); ++text) {
+        if (text.key().at(0).isDigit())
+            continue;
+        EXPECT_EQ(*text, text.key());
+        EXPECT_TRUE(code.contains('"' + text.key().toUtf8() + '"')) << text.key().toStdString();
+    }
+}
+
 TEST(Localisation, MenuTextsHaveTheFormThatTheAgentReliesOn)
 {
     for (const QString& locale : {u"en_GB.UTF-8"_s, u"fr_FR"_s, u"de"_s}) {
