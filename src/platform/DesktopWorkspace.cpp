@@ -38,7 +38,7 @@ bool startBundle(const QString& bundlePath, const QStringList& arguments)
 /// Others may start programs with whatever they say.
 bool isHarmless(const QString& address)
 {
-    constexpr std::array Schemes = {"http", "https", "mailto", "file"};
+    constexpr std::array Schemes = {"http", "https", "ftp", "mailto", "file"};
     if (address.startsWith(u'/'))
         return true;
     const QString scheme = QUrl(address).scheme();

@@ -13,7 +13,8 @@ public:
     virtual bool openBundle(const QString& bundlePath) = 0;
     /// Opens a file with the program of that bundle.
     virtual bool openFile(const QString& path, const QString& bundlePath) = 0;
-    /// Opens a web address or file with whatever the user has chosen for it.
+    /// Opens a web address or file with whatever the user has chosen for it. False: the desktop was not asked, since it
+    /// is neither, or nothing there could be started. What others wrote is the caller's to judge.
     virtual bool openAddress(const QString& address) = 0;
     /// Starts a program with arguments; it lives on when this one ends.
     virtual bool launch(const QString& program, const QStringList& arguments) = 0;

@@ -12,6 +12,7 @@
 #include "window/PreferencesSheet.h"
 #include "window/QueryDialogs.h"
 #include "window/RefreshBar.h"
+#include "window/ResultOpener.h"
 #include "window/ResultsPane.h"
 #include "window/TreePane.h"
 #include "window/WelcomePane.h"
@@ -241,6 +242,9 @@ void MainWindow::updateActions()
         action->setEnabled(!rows.isEmpty());
     for (QAction* const action : _actions.rate)
         action->setEnabled(!rows.isEmpty() && !showsHidden);
+    for (QAction* const action : {_actions.markRead, _actions.markUnread})
+        action->setEnabled(!rows.isEmpty() && !showsHidden);
+    _actions.blacklistAddress->setEnabled(rows.size() == 1);
     _actions.markRead->setVisible(rows.isEmpty() || isUnread || rows.size() > 1);
     _actions.markUnread->setVisible(!rows.isEmpty() && (!isUnread || rows.size() > 1));
     _actions.hideResult->setVisible(!showsHidden);
@@ -335,10 +339,14 @@ void MainWindow::nextUnread()
 
 void MainWindow::openSelected()
 {
-    const QModelIndexList rows = _resultsPane->selectedRows();
-    for (const QModelIndex& row : rows)
-        _parts.workspace.openAddress(row.data(ResultModel::AddressRole).toString());
-    _resultEdits.markOpened(_resultsPane->model(), rows);
+    ResultOpener opener(_parts.workspace, _parts.texts);
+    if (!opener.isWanted(_resultsPane->selectedRows().size(), this))
+        return;
+    // Asking takes its time: the rows as they are now.
+    const QModelIndexList opened = opener.open(_resultsPane->selectedRows());
+    _resultEdits.markOpened(_resultsPane->model(), opened);
+    if (!opener.fault().isEmpty())
+        _notice->say(NoticeBar::Kind::Warning, opener.fault());
 }
 
 void MainWindow::copyAddresses()

@@ -2,17 +2,29 @@
 
 #include "engines/SearchServices.h"
 #include "exchange/Names.h"
+#include "text/LocalisedFormat.h"
 #include "window/ServiceIcons.h"
 
 #include <QDateTime>
 #include <QLocale>
 
+#include <array>
+
 namespace quarry {
 
-ResultModel::ResultModel(QStringList columnTitles, QObject* parent)
-    : QAbstractTableModel(parent), _columnTitles(std::move(columnTitles))
+namespace {
+
+constexpr int MostStars = 5;
+
+QDateTime foundAt(const ResultRecord& record)
 {
+    return record.dateOfFind() ? QDateTime::fromMSecsSinceEpoch(qint64(record.dateOfFind()->unixSeconds() * 1000.0))
+                               : QDateTime();
 }
+
+} // namespace
+
+ResultModel::ResultModel(const StringTable& texts, QObject* parent) : QAbstractTableModel(parent), _texts(texts) {}
 
 ResultListing ResultModel::setListing(ResultListing listing)
 {
@@ -65,13 +77,54 @@ QVariant ResultModel::textOf(const ResultRecord& record, int column) const
     case RankColumn:
         return record.rank() ? QVariant(*record.rank()) : QVariant();
     case FoundColumn:
-        return record.dateOfFind()
-                   ? QLocale().toString(
-                         QDateTime::fromMSecsSinceEpoch(qint64(record.dateOfFind()->unixSeconds() * 1000.0)).date(),
-                         QLocale::ShortFormat)
-                   : QString();
+        return QLocale().toString(foundAt(record).date(), QLocale::ShortFormat);
     default:
         return {};
+    }
+}
+
+QString ResultModel::ratingWords(const ResultRecord& record) const
+{
+    const qint64 stars = record.rating().value_or(0);
+    const QLocale locale;
+    return stars == 0 ? _texts.text(QStringLiteral("203_No rating"))
+                      : filledFormat(_texts.text(QStringLiteral("202_Rating")),
+                                     {locale.toString(stars), locale.toString(MostStars)});
+}
+
+QVariant ResultModel::spoken(const ResultRecord& record, int column) const
+{
+    if (column == RatingColumn)
+        return ratingWords(record);
+    if (column != TitleColumn)
+        return {};
+    QStringList words;
+    if (!record.isRead())
+        words.append(_texts.text(QStringLiteral("202_Unread")));
+    if (record.newSincePrevious().value_or(false))
+        words.append(_texts.text(QStringLiteral("202_New")));
+    words.append(textOf(record, TitleColumn).toString());
+    return words.join(QLatin1String(", "));
+}
+
+QVariant ResultModel::toolTip(const ResultRecord& record, int column) const
+{
+    switch (column) {
+    case TitleColumn: {
+        QStringList lines = {textOf(record, TitleColumn).toString(), record.urlText().value_or(QString())};
+        if (record.newSincePrevious().value_or(false))
+            lines.append(_texts.text(QStringLiteral("202_New tip")));
+        lines.removeDuplicates();
+        for (QString& line : lines)
+            line = line.toHtmlEscaped(); // Pages write titles: they are no markup here. Markup is wrapped.
+        return QStringLiteral("<qt>%1</qt>").arg(lines.join(QLatin1String("<br>")));
+    }
+    case RatingColumn:
+        return ratingWords(record);
+    case FoundColumn:
+        return QLocale().toString(foundAt(record), QLocale::LongFormat);
+    default:
+        return textOf(record, column).toString();
     }
 }
 
@@ -87,7 +140,9 @@ QVariant ResultModel::data(const QModelIndex& index, int role) const
         return index.column() == ServiceColumn ? QVariant(serviceIcon(record.engineId().value_or(QString())))
                                                : QVariant();
     case Qt::ToolTipRole:
-        return index.column() == TitleColumn ? record.urlText().value_or(QString()) : QVariant();
+        return toolTip(record, index.column());
+    case Qt::AccessibleTextRole:
+        return spoken(record, index.column());
     case Qt::TextAlignmentRole:
         return index.column() == RankColumn ? QVariant(int(Qt::AlignTrailing | Qt::AlignVCenter)) : QVariant();
     case UnreadRole:
@@ -107,9 +162,12 @@ QVariant ResultModel::data(const QModelIndex& index, int role) const
 
 QVariant ResultModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
+    constexpr std::array Titles = {u"202_Column title", u"202_Column service", u"202_Column rank", u"202_Column found",
+                                   u"202_Column rating"};
+    static_assert(Titles.size() == ColumnCount);
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
         return {};
-    return _columnTitles.value(section);
+    return _texts.text(QString::fromUtf16(Titles.at(static_cast<std::size_t>(section))));
 }
 
 } // namespace quarry

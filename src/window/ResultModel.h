@@ -1,5 +1,6 @@
 #pragma once
 
+#include "archive/StringTable.h"
 #include "model/ResultKeys.h"
 #include "session/ResultListing.h"
 #include "session/TreeEdits.h"
@@ -23,7 +24,8 @@ public:
         ServiceRole,               ///< QString: the service's identifier
     };
 
-    explicit ResultModel(QStringList columnTitles, QObject* parent = nullptr);
+    /// `texts` must outlive the model.
+    explicit ResultModel(const StringTable& texts, QObject* parent = nullptr);
 
     /// Answers the one that was shown before.
     ResultListing setListing(ResultListing listing);
@@ -41,8 +43,12 @@ public:
 
 private:
     [[nodiscard]] QVariant textOf(const ResultRecord& record, int column) const;
+    /// What is drawn only, in words: none where the cell's text says it all.
+    [[nodiscard]] QVariant spoken(const ResultRecord& record, int column) const;
+    [[nodiscard]] QVariant toolTip(const ResultRecord& record, int column) const;
+    [[nodiscard]] QString ratingWords(const ResultRecord& record) const;
 
-    QStringList _columnTitles;
+    const StringTable& _texts;
     ResultListing _listing;
 };
 

@@ -15,6 +15,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -32,17 +33,10 @@ constexpr std::array Orders = {
     NamedOrder{ByAddress, u"202_Order address"},  NamedOrder{ByTitle, u"202_Order title"},
     NamedOrder{ByRating, u"202_Order rating"}};
 
-QStringList columnTitles(const StringTable& texts)
-{
-    return {texts.text(QStringLiteral("202_Column title")), texts.text(QStringLiteral("202_Column service")),
-            texts.text(QStringLiteral("202_Column rank")), texts.text(QStringLiteral("202_Column found")),
-            texts.text(QStringLiteral("202_Column rating"))};
-}
-
 } // namespace
 
 ResultsPane::ResultsPane(EventTimers& timers, const StringTable& texts, QWidget* parent)
-    : QWidget(parent), _texts(texts), _model(columnTitles(texts)),
+    : QWidget(parent), _texts(texts), _model(texts),
       _loader(timers, [this](ResultListing listing) { take(std::move(listing)); })
 {
     makeControls(texts);
@@ -146,29 +140,56 @@ void ResultsPane::load()
 void ResultsPane::take(ResultListing listing)
 {
     const QString uuid = _node ? _node->UUID() : QString();
-    const bool isSame = uuid == _shownUuid;
-    const QModelIndex before = currentRow();
-    const ResultSelection selected = isSame ? _model.selection(selectedRows()) : ResultSelection();
-    const QString owner = isSame && before.isValid() ? _model.listing().queryUuid(_model.row(before)) : QString();
-    const QString key = owner.isEmpty() ? QString() : ResultKeys::keyOf(_model.row(before).record);
-    const int scroll = isSame ? _list->verticalScrollBar()->value() : 0;
+    const Place place = uuid == _shownUuid ? placeNow() : Place();
     _shownUuid = uuid;
-
     _isTaking = true;
-    _loader.retire(_model.setListing(std::move(listing)));
-    const QItemSelection rows = rowsOf(selected);
-    if (const QModelIndex current = owner.isEmpty() ? QModelIndex() : _model.indexOf(owner, key); current.isValid())
-        _list->selectionModel()->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
-    else if (isSame && before.isValid() && _model.rowCount() > 0)
-        // What was current went: the one that took its place, so that the next key press goes on from there.
-        _list->selectRow(std::min(before.row(), _model.rowCount() - 1));
-    _list->selectionModel()->select(rows, QItemSelectionModel::Select);
-    _list->verticalScrollBar()->setValue(scroll);
+    ResultListing before = _model.setListing(std::move(listing));
+    goBackTo(place, before);
+    _loader.retire(std::move(before));
     _isTaking = false;
     sayCount();
     if (std::exchange(_wantsUnread, false))
         selectNextUnread();
     Q_EMIT selectedResultsChanged();
+}
+
+ResultsPane::Place ResultsPane::placeNow() const
+{
+    Place place;
+    const QModelIndexList selected = selectedRows();
+    place.selected = _model.selection(selected);
+    for (const QModelIndex& index : selected)
+        place.rows.push_back(index.row());
+    std::sort(place.rows.begin(), place.rows.end());
+    place.current = currentRow().row();
+    place.scroll = _list->verticalScrollBar()->value();
+    return place;
+}
+
+void ResultsPane::goBackTo(const Place& place, const ResultListing& before)
+{
+    const auto find = [&](int row) {
+        const ResultListing::Row& at = before.row(static_cast<std::size_t>(row));
+        return _model.indexOf(before.queryUuid(at), ResultKeys::keyOf(at.record));
+    };
+    const QItemSelection rows = rowsOf(place.selected);
+    QItemSelectionModel& selection = *_list->selectionModel();
+    const QModelIndex current = place.current < 0 ? QModelIndex() : find(place.current);
+    if (current.isValid()) {
+        selection.setCurrentIndex(current, QItemSelectionModel::NoUpdate);
+    } else if (place.current >= 0 && _model.rowCount() > 0) {
+        // What was current went. What took the place of the first that went is next, so that keys go on from there.
+        const int next = place.rows.empty() ? place.current : place.rows.front();
+        const QModelIndex there = _model.index(std::min(next, _model.rowCount() - 1), 0);
+        if (!rows.isEmpty())
+            selection.setCurrentIndex(rows.constFirst().topLeft(), QItemSelectionModel::NoUpdate);
+        else if (place.rows.empty())
+            selection.setCurrentIndex(there, QItemSelectionModel::NoUpdate);
+        else
+            _list->selectRow(there.row());
+    }
+    selection.select(rows, QItemSelectionModel::Select);
+    _list->verticalScrollBar()->setValue(place.scroll);
 }
 
 QItemSelection ResultsPane::rowsOf(const ResultSelection& results) const
@@ -227,6 +248,13 @@ bool ResultsPane::showsHidden() const
 
 bool ResultsPane::selectNextUnread()
 {
+    if (showsHidden()) {
+        _hidden->setChecked(false);
+        if (_loader.isLoading()) {
+            _wantsUnread = true;
+            return true;
+        }
+    }
     const int rows = _model.rowCount();
     // A list that got the focus has a current row before anything is selected.
     const bool isSelected = _list->selectionModel()->isRowSelected(currentRow().row(), {});

@@ -7,6 +7,8 @@
 #include <QItemSelection>
 #include <QWidget>
 
+#include <vector>
+
 class QComboBox;
 class QLabel;
 class QLineEdit;
@@ -31,6 +33,7 @@ public:
     [[nodiscard]] QModelIndex currentRow() const;
     [[nodiscard]] bool showsHidden() const;
     /// Selects the next unread result below the current one, or from the top, and tells; false when there is none.
+    /// Goes back from the hidden results to the others: where nothing counts as unread, nothing is next.
     bool selectNextUnread();
     /// As selectNextUnread, as soon as the list that was asked for is there.
     void selectUnreadWhenLoaded();
@@ -55,10 +58,21 @@ Q_SIGNALS:
     void contextMenuWanted(const QPoint& globalPosition);
 
 private:
+    /// What the user has before him.
+    struct Place {
+        ResultSelection selected;
+        std::vector<int> rows; ///< Of the selected, ascending.
+        int current = -1;
+        int scroll = 0;
+    };
+
     void load();
     void take(ResultListing listing);
     void makeControls(const StringTable& texts);
     void makeList(const StringTable& texts);
+    [[nodiscard]] Place placeNow() const;
+    /// `before` is the listing that the place was in.
+    void goBackTo(const Place& place, const ResultListing& before);
     /// Where these results are listed now.
     [[nodiscard]] QItemSelection rowsOf(const ResultSelection& results) const;
     void sayCount();

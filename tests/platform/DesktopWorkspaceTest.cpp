@@ -74,7 +74,8 @@ TEST_F(DesktopWorkspaceTest, StartsBundlesAndPrograms)
 
 TEST_F(DesktopWorkspaceTest, HandsOnlyAddressesToTheDesktop)
 {
-    for (const QString& address : {QStringLiteral("http://127.0.0.1/?a=1&b=2"), QStringLiteral("/a b")}) {
+    for (const QString& address :
+         {QStringLiteral("http://127.0.0.1/?a=1&b=2"), QStringLiteral("ftp://127.0.0.1/a"), QStringLiteral("/a b")}) {
         ASSERT_TRUE(workspace.openAddress(address));
         EXPECT_EQ(said(), QStringLiteral("xdg-open\n<%1>\n").arg(address));
     }

@@ -13,13 +13,14 @@ class NotingWorkspace final : public Workspace {
 public:
     bool openBundle(const QString& path) override { return noted(opened, path); }
     bool openFile(const QString& path, const QString&) override { return noted(opened, path); }
-    bool openAddress(const QString& address) override { return noted(addresses, address); }
+    bool openAddress(const QString& address) override { return isWilling && noted(addresses, address); }
     bool launch(const QString& program, const QStringList& arguments) override
     {
         return noted(opened, program + u' ' + arguments.join(u' '));
     }
     bool moveToTrash(const QString&) override { return false; }
 
+    bool isWilling = true; ///< To open addresses.
     QStringList opened;    ///< Bundles, files, and programs with their arguments.
     QStringList addresses; ///< In the browser.
 

@@ -79,6 +79,7 @@ TEST_F(MainWindowTest, ShowsTheTreeItsBadgesAndTheResultsOfWhatIsClicked)
         << "the selection went with the click";
     clickTree(u"Garden"_s);
     EXPECT_EQ(list().model()->rowCount(), 60) << "a folder shows what lies below it";
+    EXPECT_EQ(list().model()->index(0, 0).data(Qt::AccessibleTextRole), u"unread, new, r60"_s);
     screenshot(u"main-window"_s);
 }
 
@@ -152,6 +153,7 @@ TEST_F(MainWindowTest, StarsAreClickedAndKept)
     list().clearSelection();
     EXPECT_GT(filled(2), filled(1));
     EXPECT_GT(filled(1), before);
+    EXPECT_EQ(list().model()->index(1, ResultModel::RatingColumn).data(Qt::AccessibleTextRole), u"3 of 5 stars"_s);
     screenshot(u"stars"_s);
     QTest::mouseClick(list().viewport(), Qt::LeftButton, {}, star(2, 5));
     list().clearSelection();
@@ -339,14 +341,22 @@ TEST_F(MainWindowTest, HiddenResultsAreShownOnRequestAndComeBack)
     openAt(pond);
     list().selectRow(0);
     QTest::keyClick(&list(), Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_FALSE(window->actions().blacklistAddress->isEnabled()) << "the editor takes one address";
     QTest::keyClick(&list(), Qt::Key_Delete);
     EXPECT_EQ(list().model()->rowCount(), 58);
+    EXPECT_EQ(list().currentIndex().row(), 0) << "what took the place of the first";
     QToolButton* hidden = nullptr;
     for (QToolButton* const button : window->resultsPane().findChildren<QToolButton*>())
         hidden = button->isCheckable() ? button : hidden;
     ASSERT_TRUE(hidden);
     QTest::mouseClick(hidden, Qt::LeftButton);
     EXPECT_EQ(shownTitles(), (QStringList{u"r60"_s, u"r59"_s}));
+    list().selectRow(0);
+    QTest::keyClick(&list(), Qt::Key_M);
+    EXPECT_FALSE(window->actions().markRead->isEnabled()) << "hidden ones count as neither";
+    QTest::keyClick(&list(), Qt::Key_N);
+    EXPECT_EQ(current(), u"r58"_s) << "the next unread one is none of the hidden";
+    QTest::mouseClick(hidden, Qt::LeftButton);
     EXPECT_TRUE(happens([this] { return !button(window->actions().hideResult)->isVisible(); }));
     list().selectAll();
     EXPECT_TRUE(happens([this] { return button(window->actions().showAgain)->isVisible(); }))
@@ -355,6 +365,32 @@ TEST_F(MainWindowTest, HiddenResultsAreShownOnRequestAndComeBack)
     EXPECT_EQ(list().model()->rowCount(), 0);
     QTest::mouseClick(hidden, Qt::LeftButton);
     EXPECT_EQ(list().model()->rowCount(), 60);
+}
+
+TEST_F(MainWindowTest, OnlyWebAddressesAreOpenedAndManyOnRequest)
+{
+    edit([this](Engine& database) {
+        database.queryForUUID(pond)->restoreResults(
+            {result(u"file"_s, 900000000.0).withUrl(*Url::fromText(u"file:///etc/hostname"_s))}, {});
+    });
+    openAt(pond);
+    list().selectRow(0);
+    QTest::keyClick(&list(), Qt::Key_Return);
+    EXPECT_TRUE(notice().contains(u"file:///etc/hostname"_s));
+    list().selectRow(1);
+    workspace.isWilling = false;
+    QTest::keyClick(&list(), Qt::Key_Return);
+    EXPECT_TRUE(notice().contains(u"xdg-open"_s));
+    EXPECT_EQ(window->windowTitle(), u"QuarrySpotter (61 unread)"_s);
+    workspace.isWilling = true;
+    for (const auto& [answer, count] : {std::pair(QMessageBox::No, 0), std::pair(QMessageBox::Yes, 60)}) {
+        list().selectAll();
+        QTimer::singleShot(0, [which = answer] {
+            qobject_cast<QMessageBox*>(QApplication::activeModalWidget())->button(which)->click();
+        });
+        QTest::keyClick(&list(), Qt::Key_Return);
+        EXPECT_EQ(workspace.addresses.size(), count);
+    }
 }
 
 TEST_F(MainWindowTest, TheDetailsCanBeReadCopiedAndPressed)

@@ -2,12 +2,10 @@
 #include "exchange/Imports.h"
 #include "support/LoopbackServer.h"
 #include "window/NodeTransfers.h"
-#include "window/NoticeBar.h"
 #include "window/WindowActions.h"
 #include "window/WindowRig.h"
 
 #include <QFileDialog>
-#include <QLabel>
 #include <QLineEdit>
 #include <QProgressDialog>
 #include <QPushButton>
@@ -20,16 +18,6 @@ using namespace quarry::test;
 namespace {
 
 const QString Bread = QStringLiteral("bread");
-
-/// Every text that the notice shows.
-QString notice(WindowRig& rig)
-{
-    QString text;
-    const QList<QLabel*> labels = rig.window->findChild<NoticeBar*>()->findChildren<QLabel*>();
-    for (const QLabel* const label : labels)
-        text += label->isVisible() ? label->text() : QString();
-    return text;
-}
 
 QStringList names(const QString& folder)
 {
@@ -53,18 +41,18 @@ TEST(TransfersTest, AnExportGoesWhereTheDialogSaysAndNeverIntoTheDatabasesFolder
     };
     const QString file = rig.home.path() + QStringLiteral("/kept.qsexport");
     exportTo(file, Bread);
-    ASSERT_TRUE(happens([&] { return notice(rig).contains(QLatin1String("kept.qsexport")); }));
+    ASSERT_TRUE(happens([&] { return rig.notice().contains(QLatin1String("kept.qsexport")); }));
     EXPECT_EQ(readImport(contentOf(file), QString()).nodes.size(), 1U);
 
     rig.window->treePane().selectAll();
     const QString both = rig.home.path() + QStringLiteral("/both.qsexport");
     exportTo(both, QStringLiteral("QuarrySpotter"));
-    ASSERT_TRUE(happens([&] { return notice(rig).contains(QLatin1String("both.qsexport")); }));
+    ASSERT_TRUE(happens([&] { return rig.notice().contains(QLatin1String("both.qsexport")); }));
     EXPECT_EQ(readImport(contentOf(both), QString()).nodes.size(), 2U);
     EXPECT_EQ(rig.stored(Bread)->parent()->childs()->size(), 2) << "the tree is as it was";
 
     exportTo(rig.home->supportFolder() + QStringLiteral("/Database.csv"), QStringLiteral("QuarrySpotter"));
-    ASSERT_TRUE(happens([&] { return notice(rig).contains(QLatin1String("Nothing was exported")); }));
+    ASSERT_TRUE(happens([&] { return rig.notice().contains(QLatin1String("Nothing was exported")); }));
     EXPECT_FALSE(QFile::exists(rig.home->supportFolder() + QStringLiteral("/Database.csv")));
 }
 
@@ -212,7 +200,7 @@ TEST_F(OfflineTest, PagesAreCopiedAndCounted)
 {
     transfers().copyTo({rig.node(Bread)->UUID()}, folder);
     ASSERT_TRUE(happens([&] { return !transfers().isCopying(); }));
-    EXPECT_TRUE(notice(rig).contains(QLatin1String("Queries copied: 1, pages: 2"))) << notice(rig).toStdString();
+    EXPECT_TRUE(rig.notice().contains(QLatin1String("Queries copied: 1, pages: 2"))) << rig.notice().toStdString();
     const QString copy = folder + u'/' + rig.node(Bread)->UUID();
     EXPECT_EQ(contentOf(copy + QStringLiteral("/A")), "Where the bread is.");
     EXPECT_EQ(names(copy).size(), 2);
@@ -227,7 +215,7 @@ TEST_F(OfflineTest, StopBreaksOffAndKeepsNothingUnfinished)
     QTest::mouseClick(rig.sheet()->findChild<QPushButton*>(), Qt::LeftButton);
     ASSERT_TRUE(happens([&] { return !transfers().isCopying(); }));
     EXPECT_EQ(names(folder), QStringList{rig.node(Bread)->UUID()});
-    EXPECT_TRUE(notice(rig).contains(QLatin1String("Stopped"))) << notice(rig).toStdString();
+    EXPECT_TRUE(rig.notice().contains(QLatin1String("Stopped"))) << rig.notice().toStdString();
     keepPicture(rig.window.get(), QStringLiteral("offline-stopped"));
 }
 

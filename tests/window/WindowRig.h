@@ -6,10 +6,12 @@
 #include "support/QtPrinting.h"
 #include "support/Screen.h"
 #include "window/MainWindow.h"
+#include "window/NoticeBar.h"
 #include "window/ResultsPane.h"
 #include "window/TreePane.h"
 
 #include <QDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTableView>
 #include <QTest>
@@ -81,6 +83,15 @@ public:
     /// The node by its title, as a user looks for it.
     [[nodiscard]] QueryCorePtr node(const QString& title) { return find(window->tree().root(), title); }
     void select(const QString& title) { window->treePane().select(node(title)->UUID()); }
+    /// Every text that the notice shows.
+    [[nodiscard]] QString notice()
+    {
+        QString text;
+        const QList<QLabel*> labels = window->findChild<NoticeBar*>()->findChildren<QLabel*>();
+        for (const QLabel* const label : labels)
+            text += label->isVisible() ? label->text() : QString();
+        return text;
+    }
     void undo()
     {
         const QList<QAction*> all = window->findChildren<QAction*>();
@@ -107,7 +118,7 @@ public:
     QtEventTimers timers;
     NotingWorkspace workspace;
     LocalNotifications distributed;
-    const StringTable texts = windowTexts();
+    StringTable texts = windowTexts();
     QString updater;
     QStringList followed; ///< What the agent was told about the schedule.
 
@@ -133,8 +144,10 @@ public:
 /// The window, opened over a database that was filled before.
 class WindowRig : public WindowDesk {
 public:
-    explicit WindowRig(const std::function<void(const QueryCorePtr& root)>& fill = {})
+    explicit WindowRig(const std::function<void(const QueryCorePtr& root)>& fill = {},
+                       const QString& language = QStringLiteral("en"))
     {
+        texts = windowTexts(language);
         if (fill)
             edit([&fill](Engine& database) { fill(database.currentRoot()); });
         open();
@@ -154,6 +167,7 @@ protected:
             ResultList results;
             for (int i = 1; i <= 60; ++i)
                 results.append(result(QStringLiteral("r%1").arg(i), 800000000.0 + i * 100000.0));
+            results.last() = results.last().withNewSincePrevious(true);
             query->restoreResults(results, {});
             garden = folder->UUID();
             pond = query->UUID();
