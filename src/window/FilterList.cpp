@@ -64,6 +64,12 @@ FilterList::FilterList(QStringList addresses, const StringTable& texts, QWidget*
     judge();
 }
 
+FilterList::~FilterList()
+{
+    if (_cancelled)
+        *_cancelled = true;
+}
+
 void FilterList::makeControls()
 {
     _list->setObjectName(QStringLiteral("filters"));
@@ -196,22 +202,40 @@ void FilterList::judge()
     _add->setEnabled(isUsable && !isThere);
     _replace->setEnabled(isUsable && !isThere && currentRow() >= 0);
     _remove->setEnabled(currentRow() >= 0);
-    const QLocale locale;
+    if (_cancelled)
+        *_cancelled = true;
     if (fault) {
         const QString reason = fault->reason.isEmpty() ? _texts.text(QStringLiteral("211_Not valid")) : fault->reason;
         _verdict->setText(fault->place < 0 ? reason
                                            : filledFormat(_texts.text(QStringLiteral("211_Fault at")),
-                                                          {reason, locale.toString(fault->place + 1)}));
+                                                          {reason, QLocale().toString(fault->place + 1)}));
     } else if (!isUsable || _addresses.isEmpty()) {
         _verdict->clear();
     } else {
+        tryOut(rule);
+    }
+}
+
+void FilterList::tryOut(const BlacklistRule& rule)
+{
+    _cancelled = std::make_shared<std::atomic<bool>>(false);
+    _worker.add([this, rule, addresses = _addresses, cancelled = _cancelled] {
         SilentLog log;
         const auto option = rule.caseSensitive ? Qt::CaseSensitive : Qt::CaseInsensitive;
-        const auto caught = std::count_if(_addresses.begin(), _addresses.end(),
-                                          [&](const QString& address) { return testRule(rule, address, option, log); });
-        _verdict->setText(filledFormat(_texts.text(QStringLiteral("212_Catches")),
-                                       {locale.toString(qint64(caught)), locale.toString(_addresses.size())}));
-    }
+        qint64 caught = 0;
+        for (const QString& address : addresses) {
+            if (*cancelled)
+                return;
+            caught += testRule(rule, address, option, log) ? 1 : 0;
+        }
+        // A call that is queued for a widget that went is dropped by Qt.
+        QMetaObject::invokeMethod(this, [this, caught, cancelled] {
+            const QLocale locale;
+            if (!*cancelled)
+                _verdict->setText(filledFormat(_texts.text(QStringLiteral("212_Catches")),
+                                               {locale.toString(caught), locale.toString(_addresses.size())}));
+        });
+    });
 }
 
 /// Return in the entry adds the rule, and does not accept the sheet.

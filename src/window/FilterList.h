@@ -3,9 +3,13 @@
 #include "archive/StringTable.h"
 #include "blacklist/BlacklistRule.h"
 #include "model/QueryFields.h"
+#include "platform/Worker.h"
 
 #include <QStringList>
 #include <QWidget>
+
+#include <atomic>
+#include <memory>
 
 class QCheckBox;
 class QComboBox;
@@ -16,13 +20,15 @@ class QTreeWidget;
 
 namespace quarry {
 
-/// A query's own rules: added, changed, removed, and tried on the addresses the query knows.
+/// A query's own rules: added, changed, removed, and tried on the addresses the query knows, on a thread of its own,
+/// where a newer rule ends the older one's run.
 class FilterList final : public QWidget {
     Q_OBJECT
 
 public:
     /// `texts` must outlive the widget.
     FilterList(QStringList addresses, const StringTable& texts, QWidget* parent = nullptr);
+    ~FilterList() override;
 
     void setFilters(const QList<FilterObject>& filters);
     /// Those that are no rules are among them, at the end: they are carried along unseen.
@@ -47,6 +53,7 @@ private:
     void showCurrent();
     /// What the entered rule would catch, or what is wrong with it.
     void judge();
+    void tryOut(const BlacklistRule& rule);
     [[nodiscard]] QString textOfType(qint64 type) const;
 
     const StringTable& _texts;
@@ -61,6 +68,8 @@ private:
     QPushButton* _replace = nullptr;
     QPushButton* _remove = nullptr;
     QLabel* _verdict = nullptr;
+    std::shared_ptr<std::atomic<bool>> _cancelled;
+    Worker _worker; ///< Last: it ends before what its jobs call goes away.
 };
 
 } // namespace quarry

@@ -527,6 +527,16 @@ void MainWindow::askWhetherToLeave()
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
+    if (_transfers->isExporting()) {
+        if (QMessageBox::warning(this, _parts.texts.text(QStringLiteral("206_Export title")),
+                                 _parts.texts.text(QStringLiteral("200_Quit exporting")),
+                                 QMessageBox::Discard | QMessageBox::Cancel,
+                                 QMessageBox::Cancel) != QMessageBox::Discard) {
+            event->ignore();
+            return;
+        }
+        _transfers->dropExports();
+    }
     if (_transfers->isCopying()) {
         event->ignore();
         _transfers->stopToQuit([this] { close(); });

@@ -9,6 +9,7 @@
 #include <QFileDialog>
 #include <QLocale>
 #include <QProgressDialog>
+#include <QPushButton>
 
 #include <algorithm>
 #include <utility>
@@ -71,8 +72,14 @@ NodeTransfers::NodeTransfers(Parts parts, QWidget* window)
 
 NodeTransfers::~NodeTransfers()
 {
-    if (_exportCancelled)
-        *_exportCancelled = true;
+    dropExports();
+}
+
+void NodeTransfers::dropExports()
+{
+    for (const std::shared_ptr<std::atomic<bool>>& cancelled : std::as_const(_exports))
+        *cancelled = true;
+    _exports.clear();
 }
 
 QList<QueryCorePtr> NodeTransfers::nodesOf(const QStringList& uuids) const
@@ -116,7 +123,7 @@ void NodeTransfers::exportTo(const QStringList& nodes, const QString& file, Expo
         return;
     }
     const auto cancelled = std::make_shared<std::atomic<bool>>(false);
-    _exportCancelled = cancelled;
+    _exports.append(cancelled);
     QProgressDialog* const progress = showProgress(
         filledFormat(_parts.texts.text(QStringLiteral("214_Exporting")), {QDir::toNativeSeparators(file)}));
     connect(progress, &QProgressDialog::canceled, this, [cancelled] { *cancelled = true; });
@@ -126,6 +133,7 @@ void NodeTransfers::exportTo(const QStringList& nodes, const QString& file, Expo
         const ExportFile done = exportToFile(node, format, results, file, home, files, cancelled.get());
         // A call that is queued for an object that went is dropped by Qt.
         QMetaObject::invokeMethod(this, [this, done, shown, cancelled] {
+            _exports.removeOne(cancelled);
             if (shown)
                 shown->deleteLater();
             const QString path = QDir::toNativeSeparators(done.path);
@@ -163,17 +171,22 @@ void NodeTransfers::copyTo(const QStringList& nodes, const QString& folder)
     if (queries.isEmpty())
         return;
     _copyProgress = showProgress(_parts.texts.text(QStringLiteral("214_Copying")));
-    connect(_copyProgress, &QProgressDialog::canceled, this, [this] {
-        if (_copyProgress)
-            _copyProgress->setLabelText(_parts.texts.text(QStringLiteral("205_Stopping")));
-        _copy.stop();
-    });
+    connect(_copyProgress, &QProgressDialog::canceled, this, [this] { _copy.stop(); });
     _copy.start(queries, QDir::cleanPath(folder));
 }
 
 QProgressDialog* NodeTransfers::showProgress(const QString& text)
 {
-    return makeBusySign(_parts.texts.text(QStringLiteral("214_Progress title")), text, _parts.texts, _window);
+    QProgressDialog* const progress =
+        makeBusySign(_parts.texts.text(QStringLiteral("214_Progress title")), text, _parts.texts, _window);
+    // By itself it would hide at once: it is to say that it stops until it has.
+    disconnect(progress, SIGNAL(canceled()), progress, SLOT(cancel()));
+    connect(progress, &QProgressDialog::canceled, progress, [this, progress] {
+        progress->setLabelText(_parts.texts.text(QStringLiteral("205_Stopping")));
+        if (auto* const button = progress->findChild<QPushButton*>())
+            button->setEnabled(false);
+    });
+    return progress;
 }
 
 void NodeTransfers::showCopy()

@@ -7,6 +7,7 @@
 #include "window/TreePane.h"
 #include "window/WindowActions.h"
 
+#include <QList>
 #include <QObject>
 #include <QPointer>
 
@@ -34,6 +35,9 @@ public:
     NodeTransfers(Parts parts, QWidget* window);
     ~NodeTransfers() override;
 
+    [[nodiscard]] bool isExporting() const { return !_exports.isEmpty(); }
+    /// Breaks off what runs; nothing is written.
+    void dropExports();
     [[nodiscard]] bool isCopying() const { return _copy.state().isRunning; }
     /// Stops a copy, and calls back when the window may go.
     void stopToQuit(std::function<void()> reply) { _copy.stopToQuit(std::move(reply)); }
@@ -58,8 +62,8 @@ private:
     QWidget* _window;
     QPointer<QProgressDialog> _copyProgress;
     OfflineCopyRun _copy;
-    std::shared_ptr<std::atomic<bool>> _exportCancelled;
-    Worker _exporter; ///< Last: it ends before what its jobs call goes away.
+    QList<std::shared_ptr<std::atomic<bool>>> _exports; ///< Those that are not over, and what breaks them off.
+    Worker _exporter;                                   ///< Last: it ends before what its jobs call goes away.
 };
 
 } // namespace quarry

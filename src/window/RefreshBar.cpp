@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLocale>
 #include <QMap>
 #include <QPainter>
 #include <QProgressBar>
@@ -101,7 +102,7 @@ QString RefreshBar::runningText(const RefreshState& state) const
     if (state.queries == 0)
         return _texts.text(QStringLiteral("205_Starting"));
     const QString counted = filledFormat(_texts.text(QStringLiteral("205_Queries done")),
-                                         {QString::number(state.done), QString::number(state.queries)});
+                                         {QLocale().toString(state.done), QLocale().toString(state.queries)});
     return state.service.isEmpty() ? counted
                                    : filledFormat(_texts.text(QStringLiteral("205_Asking")), {counted, state.service});
 }
@@ -114,11 +115,11 @@ QString RefreshBar::endText(const RefreshState& state) const
         return {};
     case End::AllUpdated:
         return filledFormat(_texts.text(QStringLiteral("205_Done")),
-                            {QString::number(state.updated), QString::number(state.added)});
+                            {QLocale().toString(state.updated), QLocale().toString(state.added)});
     case End::SomeNotUpdated:
         return filledFormat(
             _texts.text(QStringLiteral("205_Done with failures")),
-            {QString::number(state.updated), QString::number(state.added), QString::number(state.failed)});
+            {QLocale().toString(state.updated), QLocale().toString(state.added), QLocale().toString(state.failed)});
     case End::Stopped:
         return _texts.text(QStringLiteral("205_Stopped"));
     case End::AnotherRuns:

@@ -7,8 +7,10 @@
 
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QTimer>
 
 #include <future>
 
@@ -90,7 +92,7 @@ TEST_F(ImportTest, FilesComeInOneAfterTheOtherWhileTheWindowGoesOn)
     letGoNow.set_value();
     ASSERT_TRUE(happens([&] { return rig.node(QStringLiteral("hare")) != nullptr; }));
     for (const char* const told : {"slow: 1 queries", "broken was not", "none was not", "last: 1 queries"})
-        EXPECT_TRUE(notice(rig).contains(QLatin1String(told))) << notice(rig).toStdString();
+        EXPECT_TRUE(rig.notice().contains(QLatin1String(told))) << rig.notice().toStdString();
     EXPECT_TRUE(rig.stored(QStringLiteral("snail")));
     rig.undo();
     EXPECT_FALSE(rig.node(QStringLiteral("hare")));
@@ -102,7 +104,7 @@ TEST_F(ImportTest, AfterAStopNothingMoreComesIn)
 {
     open({held, file("last", QStringLiteral("hare"))});
     QTest::mouseClick(rig.sheet()->findChild<QPushButton*>(), Qt::LeftButton);
-    EXPECT_TRUE(notice(rig).contains(QLatin1String("slow was not imported"))) << notice(rig).toStdString();
+    EXPECT_TRUE(rig.notice().contains(QLatin1String("slow was not imported"))) << rig.notice().toStdString();
     letGoNow.set_value();
     open({file("later", QStringLiteral("fox"))});
     ASSERT_TRUE(happens([&] { return rig.node(QStringLiteral("fox")) != nullptr; }));
@@ -148,11 +150,28 @@ TEST(TransfersTest, OnlyNewResultsAreExportedWhereTheKindOfFileSaysSo)
         auto* const name = dialog->findChild<QLineEdit*>();
         name->setText(file);
         QTest::keyClick(name, Qt::Key_Return);
-        ASSERT_TRUE(happens([&] { return notice(rig).contains(file); })) << each.file;
+        ASSERT_TRUE(happens([&] { return rig.notice().contains(file); })) << each.file;
         const QByteArray content = contentOf(file);
         EXPECT_TRUE(content.contains("new.example")) << each.file;
         EXPECT_EQ(content.contains("old.example"), each.hasOld) << each.file;
         ASSERT_TRUE(happens([&] { return rig.window->findChildren<QFileDialog*>().isEmpty(); }));
+    }
+}
+
+TEST(TransfersTest, ClosingAsksBeforeItDropsEveryExportThatRuns)
+{
+    WindowRig rig([](const QueryCorePtr& root) { root->addChild(QueryCore::initWithQuery(Bread)); });
+    const QString first = rig.home.path() + QStringLiteral("/first.json");
+    auto& transfers = *rig.window->findChild<NodeTransfers*>();
+    for (const auto& [answer, isGone] :
+         {std::pair(QMessageBox::Cancel, false), std::pair(QMessageBox::Discard, true)}) {
+        transfers.exportTo({}, first, ExportFormat::Json);
+        transfers.exportTo({}, rig.home.path() + QStringLiteral("/second.json"), ExportFormat::Json);
+        QTimer::singleShot(0, [which = answer] {
+            qobject_cast<QMessageBox*>(QApplication::activeModalWidget())->button(which)->click();
+        });
+        EXPECT_EQ(rig.window->close(), isGone);
+        ASSERT_TRUE(happens([&transfers] { return !transfers.isExporting(); }));
     }
 }
 
@@ -213,6 +232,7 @@ TEST_F(OfflineTest, StopBreaksOffAndKeepsNothingUnfinished)
     ASSERT_TRUE(happens([&] { return rig.sheet() != nullptr; }));
     keepPicture(rig.sheet(), QStringLiteral("offline-progress"));
     QTest::mouseClick(rig.sheet()->findChild<QPushButton*>(), Qt::LeftButton);
+    EXPECT_EQ(qobject_cast<QProgressDialog*>(rig.sheet())->labelText(), QStringLiteral("Stopping…"));
     ASSERT_TRUE(happens([&] { return !transfers().isCopying(); }));
     EXPECT_EQ(names(folder), QStringList{rig.node(Bread)->UUID()});
     EXPECT_TRUE(rig.notice().contains(QLatin1String("Stopped"))) << rig.notice().toStdString();
