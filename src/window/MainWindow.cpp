@@ -14,6 +14,7 @@
 #include "window/RefreshBar.h"
 #include "window/ResultOpener.h"
 #include "window/ResultsPane.h"
+#include "window/SeenResults.h"
 #include "window/TreePane.h"
 #include "window/WelcomePane.h"
 
@@ -104,7 +105,13 @@ void MainWindow::connectNodes()
 
 void MainWindow::connectResults()
 {
-    connect(_resultsPane, &ResultsPane::selectedResultsChanged, this, [this] { showResult(); });
+    _seen = new SeenResults(*_resultsPane, _resultEdits, this);
+    connect(_resultsPane, &ResultsPane::selectedResultsChanged, this, [this] {
+        showResult();
+        _seen->follow();
+    });
+    for (const QAction* const action : {_actions.markRead, _actions.markUnread})
+        connect(action, &QAction::triggered, _seen, &SeenResults::leaveAlone);
     connect(_resultsPane, &ResultsPane::unreadReached, this,
             [this](const QModelIndex& row) { _resultEdits.markOpened(_resultsPane->model(), {row}); });
     connect(_resultsPane, &ResultsPane::openWanted, this, [this] { openSelected(); });

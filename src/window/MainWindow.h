@@ -33,6 +33,7 @@ class NodeTransfers;
 class NoticeBar;
 class RefreshBar;
 class ResultsPane;
+class SeenResults;
 class TreePane;
 class WelcomePane;
 
@@ -145,6 +146,7 @@ private:
     bool _isScheduleKept = false;
     TreePane* _treePane = nullptr;
     ResultsPane* _resultsPane = nullptr;
+    SeenResults* _seen = nullptr;
     DetailPane* _detailPane = nullptr;
     ChartsPane* _charts = nullptr;
     HealthDialog* _health = nullptr; ///< Made when it is first wanted.

@@ -105,7 +105,7 @@ void MainWindow::scopeKeys()
     ofResults.append(QList<QAction*>(_actions.rate.begin(), _actions.rate.end()));
     scope(ofResults, {&_resultsPane->list(), _detailPane});
     scope({_actions.nextUnread}, {&_resultsPane->list(), &_detailPane->text(), _treePane});
-    scope({_actions.copyAddress}, {&_resultsPane->list()});
+    scope({_actions.openResult, _actions.copyAddress}, {&_resultsPane->list()});
     scope({_actions.removeNode, _actions.moveUp, _actions.moveDown}, {_treePane});
 }
 

@@ -38,7 +38,12 @@ void ResultEdits::markOpened(const ResultModel& model, const QModelIndexList& ro
     const ResultSelection unread =
         model.selection(rowsWhere(model, rows, [](const ResultRecord& record) { return !record.isRead(); }));
     if (!unread.isEmpty())
-        _edits.performQuietly(edits::setRead(true, unread));
+        markSeen(unread);
+}
+
+void ResultEdits::markSeen(const ResultSelection& results)
+{
+    _edits.performQuietly(edits::setRead(true, results));
 }
 
 void ResultEdits::markAllRead(const QList<QueryCorePtr>& nodes)

@@ -18,6 +18,8 @@ public:
     void setRead(bool read, const ResultModel& model, const QModelIndexList& rows);
     /// Opening a result marks it without a word.
     void markOpened(const ResultModel& model, const QModelIndexList& rows);
+    /// As markOpened; where they are listed does not matter.
+    void markSeen(const ResultSelection& results);
     /// Everything in the queries, and below the folders.
     void markAllRead(const QList<QueryCorePtr>& nodes);
     void setHidden(bool hidden, const ResultModel& model, const QModelIndexList& rows);

@@ -3,6 +3,7 @@
 #include "model/ResultComparator.h"
 #include "text/LocalisedFormat.h"
 #include "window/ResultDelegate.h"
+#include "window/ResultTable.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -33,6 +34,18 @@ constexpr std::array Orders = {
     NamedOrder{ByAddress, u"202_Order address"},  NamedOrder{ByTitle, u"202_Order title"},
     NamedOrder{ByRating, u"202_Order rating"}};
 
+/// The order that a click on a column's header gives, and the arrow it shows.
+struct ColumnOrder {
+    ResultModel::Column column;
+    ResultOrder order;
+    Qt::SortOrder arrow;
+};
+constexpr std::array ColumnOrders = {ColumnOrder{ResultModel::TitleColumn, ByTitle, Qt::AscendingOrder},
+                                     ColumnOrder{ResultModel::RankColumn, ByRank, Qt::AscendingOrder},
+                                     ColumnOrder{ResultModel::FoundColumn, NewestFirst, Qt::DescendingOrder},
+                                     ColumnOrder{ResultModel::FoundColumn, OldestFirst, Qt::AscendingOrder},
+                                     ColumnOrder{ResultModel::RatingColumn, ByRating, Qt::DescendingOrder}};
+
 } // namespace
 
 ResultsPane::ResultsPane(EventTimers& timers, const StringTable& texts, QWidget* parent)
@@ -41,6 +54,7 @@ ResultsPane::ResultsPane(EventTimers& timers, const StringTable& texts, QWidget*
 {
     makeControls(texts);
     makeList(texts);
+    showOrder();
     const int gap = style()->pixelMetric(QStyle::PM_FocusFrameHMargin) * 2;
     auto* const controls = new QHBoxLayout;
     controls->setContentsMargins(gap, gap, gap, 0);
@@ -67,7 +81,10 @@ void ResultsPane::makeControls(const StringTable& texts)
     _order->setToolTip(texts.text(QStringLiteral("202_Order")));
     for (const NamedOrder& named : Orders)
         _order->addItem(texts.text(QString::fromUtf16(named.key)), int(named.order));
-    connect(_order, &QComboBox::currentIndexChanged, this, [this] { load(); });
+    connect(_order, &QComboBox::currentIndexChanged, this, [this] {
+        showOrder();
+        load();
+    });
 
     _hidden = new QToolButton(this);
     _hidden->setText(texts.text(QStringLiteral("202_Show hidden")));
@@ -81,37 +98,34 @@ void ResultsPane::makeControls(const StringTable& texts)
 
 void ResultsPane::makeList(const StringTable& texts)
 {
-    _list = new QTableView(this);
+    auto* const table = new ResultTable(this);
+    _list = table;
     _list->setModel(&_model);
     auto* const delegate = new ResultDelegate(texts, _list);
     _list->setItemDelegate(delegate);
     connect(delegate, &ResultDelegate::ratingClicked, this, &ResultsPane::ratingWanted);
-    _list->setSelectionBehavior(QAbstractItemView::SelectRows);
-    _list->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    _list->setShowGrid(false);
-    _list->setWordWrap(false);
-    _list->setTabKeyNavigation(false);
     _list->setAccessibleName(texts.text(QStringLiteral("202_Results")));
-    _list->verticalHeader()->hide();
-    // One height for all: measuring a million rows would take longer than anything else here.
-    _list->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    _list->verticalHeader()->setDefaultSectionSize(ResultDelegate::rowHeight(_list->font()));
     _list->horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
     _list->horizontalHeader()->setSectionResizeMode(ResultModel::TitleColumn, QHeaderView::Stretch);
     _list->horizontalHeader()->setHighlightSections(false);
+    _list->horizontalHeader()->setSectionsClickable(true);
+    _list->horizontalHeader()->setSortIndicatorShown(true); // The widths below leave room for it.
     _list->horizontalHeader()->setDefaultAlignment(Qt::AlignLeading | Qt::AlignVCenter);
     const QFontMetrics metrics(_list->font());
     const auto widthFor = [this, &metrics](int column, const QString& text) {
-        _list->setColumnWidth(column, metrics.horizontalAdvance(text) + 2 * metrics.averageCharWidth());
+        _list->setColumnWidth(column, std::max(metrics.horizontalAdvance(text) + 2 * metrics.averageCharWidth(),
+                                               _list->horizontalHeader()->sectionSizeHint(column)));
     };
     widthFor(ResultModel::ServiceColumn, QStringLiteral("MMMMMMMM"));
     widthFor(ResultModel::RankColumn, QStringLiteral("MMMM"));
     widthFor(ResultModel::FoundColumn, QStringLiteral("00. MMM 0000"));
-    _list->setColumnWidth(ResultModel::RatingColumn, ResultDelegate::ratingWidth(_list->font()));
-    _list->setContextMenuPolicy(Qt::CustomContextMenu);
+    _list->setColumnWidth(ResultModel::RatingColumn,
+                          std::max(ResultDelegate::ratingWidth(_list->font()),
+                                   _list->horizontalHeader()->sectionSizeHint(ResultModel::RatingColumn)));
     connect(_list, &QTableView::customContextMenuRequested, this,
             [this](const QPoint& at) { Q_EMIT contextMenuWanted(_list->viewport()->mapToGlobal(at)); });
-    connect(_list, &QTableView::activated, this, [this] { Q_EMIT openWanted(); });
+    connect(table, &ResultTable::openWanted, this, &ResultsPane::openWanted);
+    connect(_list->horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int column) { sortBy(column); });
     connect(_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
         if (!_isTaking)
             Q_EMIT selectedResultsChanged();
@@ -140,8 +154,10 @@ void ResultsPane::load()
 void ResultsPane::take(ResultListing listing)
 {
     const QString uuid = _node ? _node->UUID() : QString();
-    const Place place = uuid == _shownUuid ? placeNow() : Place();
-    _shownUuid = uuid;
+    const Shown shown = {uuid, showsHidden(), order(), _search->text()};
+    const bool isSameList = shown.node == _shown.node && shown.hidden == _shown.hidden;
+    const Place place = isSameList ? placeNow(shown == _shown) : Place();
+    _shown = shown;
     _isTaking = true;
     ResultListing before = _model.setListing(std::move(listing));
     goBackTo(place, before);
@@ -153,7 +169,7 @@ void ResultsPane::take(ResultListing listing)
     Q_EMIT selectedResultsChanged();
 }
 
-ResultsPane::Place ResultsPane::placeNow() const
+ResultsPane::Place ResultsPane::placeNow(bool isSameOrder) const
 {
     Place place;
     const QModelIndexList selected = selectedRows();
@@ -162,7 +178,14 @@ ResultsPane::Place ResultsPane::placeNow() const
         place.rows.push_back(index.row());
     std::sort(place.rows.begin(), place.rows.end());
     place.current = currentRow().row();
-    place.scroll = _list->verticalScrollBar()->value();
+    place.top = _list->rowAt(0);
+    place.otherwiseTop = isSameOrder ? place.top : 0;
+    const int bottom = _list->rowAt(_list->viewport()->height() - 1);
+    if (std::binary_search(place.rows.begin(), place.rows.end(), place.current) && place.current >= place.top &&
+        (bottom < 0 || place.current <= bottom))
+        place.steady.push_back(place.current);
+    if (isSameOrder && place.top > 0) // At the very top, what is new above is to be seen.
+        place.steady.push_back(place.top);
     return place;
 }
 
@@ -189,7 +212,15 @@ void ResultsPane::goBackTo(const Place& place, const ResultListing& before)
             _list->selectRow(there.row());
     }
     selection.select(rows, QItemSelectionModel::Select);
-    _list->verticalScrollBar()->setValue(place.scroll);
+    _list->doItemsLayout(); // Else the scroll bar goes by as many rows as there were before.
+    int top = place.otherwiseTop;
+    for (const int row : place.steady) {
+        if (const QModelIndex found = find(row); found.isValid()) {
+            top = found.row() - (row - place.top);
+            break;
+        }
+    }
+    _list->verticalScrollBar()->setValue(top);
 }
 
 QItemSelection ResultsPane::rowsOf(const ResultSelection& results) const
@@ -290,6 +321,28 @@ void ResultsPane::setOrder(int order)
         _order->setCurrentIndex(index);
 }
 
+/// A column that has two orders changes between them; one that has none leaves the order as it is.
+void ResultsPane::sortBy(int column)
+{
+    int wanted = order();
+    for (auto each = ColumnOrders.rbegin(); each != ColumnOrders.rend(); ++each) {
+        if (each->column == column && each->order != order())
+            wanted = each->order;
+    }
+    setOrder(wanted);
+    showOrder(); // The header turned the arrow by itself.
+}
+
+void ResultsPane::showOrder()
+{
+    QHeaderView& header = *_list->horizontalHeader();
+    const auto shown = std::find_if(ColumnOrders.begin(), ColumnOrders.end(),
+                                    [this](const ColumnOrder& each) { return each.order == order(); });
+    header.setSortIndicatorShown(shown != ColumnOrders.end());
+    if (shown != ColumnOrders.end())
+        header.setSortIndicator(shown->column, shown->arrow);
+}
+
 QByteArray ResultsPane::columns() const
 {
     return _list->horizontalHeader()->saveState();
@@ -298,6 +351,7 @@ QByteArray ResultsPane::columns() const
 void ResultsPane::restoreColumns(const QByteArray& state)
 {
     _list->horizontalHeader()->restoreState(state);
+    showOrder();
 }
 
 void ResultsPane::selectNext(int step)

@@ -63,25 +63,39 @@ private:
         ResultSelection selected;
         std::vector<int> rows; ///< Of the selected, ascending.
         int current = -1;
-        int scroll = 0;
+        int top = 0;             ///< The first that is to be seen.
+        std::vector<int> steady; ///< Rows that are to stay where they are on the screen; the first that is still there.
+        int otherwiseTop = 0;
+    };
+    struct Shown {
+        QString node;
+        bool hidden = false;
+        int order = 0;
+        QString search;
+
+        friend bool operator==(const Shown&, const Shown&) = default;
     };
 
     void load();
     void take(ResultListing listing);
     void makeControls(const StringTable& texts);
     void makeList(const StringTable& texts);
-    [[nodiscard]] Place placeNow() const;
+    [[nodiscard]] Place placeNow(bool isSameOrder) const;
     /// `before` is the listing that the place was in.
     void goBackTo(const Place& place, const ResultListing& before);
     /// Where these results are listed now.
     [[nodiscard]] QItemSelection rowsOf(const ResultSelection& results) const;
     void sayCount();
+    /// As a click on that column's header wants it.
+    void sortBy(int column);
+    /// By the arrow over the columns.
+    void showOrder();
 
     const StringTable& _texts;
     ResultModel _model;
     ListingLoader _loader;
     QueryCorePtr _node;
-    QString _shownUuid;
+    Shown _shown;
     qint64 _expected = 0;
     bool _wantsUnread = false;
     bool _isTaking = false; ///< A new listing: what was selected is being selected in it.

@@ -48,7 +48,7 @@ WindowActions::WindowActions(const StringTable& texts, QObject* parent) : QObjec
     stopRefresh = make(u"203_Stop refresh", {Qt::CTRL | Qt::Key_Period});
     serviceHealth = make(u"203_Service health");
 
-    openResult = make(u"203_Open result");
+    openResult = make(u"203_Open result", {Qt::Key_Return, Qt::Key_Enter});
     nextUnread = make(u"203_Next unread", {Qt::Key_N, Qt::Key_Space});
     markRead = make(u"203_Mark read", {Qt::Key_M});
     markUnread = make(u"203_Mark unread", {Qt::Key_U});
@@ -73,6 +73,17 @@ WindowActions::WindowActions(const StringTable& texts, QObject* parent) : QObjec
     checkForUpdates = make(u"203_Check for updates");
     quit = make(u"203_Quit", {QKeySequence::Quit});
     addIcons();
+    addShortTexts();
+}
+
+/// What buttons say: a row of them is to fit beside the tree in every language.
+void WindowActions::addShortTexts()
+{
+    openResult->setIconText(_texts.text(QStringLiteral("204_Open")));
+    markRead->setIconText(_texts.text(QStringLiteral("204_Read")));
+    markUnread->setIconText(_texts.text(QStringLiteral("204_Unread")));
+    excludeHost->setIconText(_texts.text(QStringLiteral("204_Exclude")));
+    blacklistAddress->setIconText(_texts.text(QStringLiteral("204_Blacklist")));
 }
 
 void WindowActions::addIcons()

@@ -75,6 +75,7 @@ public:
 
 private:
     void addIcons();
+    void addShortTexts();
     [[nodiscard]] QAction* make(const char16_t* key, const QList<QKeySequence>& keys = {});
 
     const StringTable& _texts;

@@ -1,8 +1,11 @@
 #include "WindowRig.h"
+#include "model/ResultComparator.h"
 #include "window/DetailPane.h"
 #include "window/NoticeBar.h"
+#include "window/SeenResults.h"
 
 #include <QClipboard>
+#include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
@@ -150,6 +153,9 @@ TEST_F(MainWindowTest, StarsAreClickedAndKept)
     const int before = filled(2);
     QTest::mouseClick(list().viewport(), Qt::LeftButton, {}, star(1, 3));
     QTest::mouseClick(list().viewport(), Qt::LeftButton, {}, star(2, 5));
+    QTest::mouseDClick(list().viewport(), Qt::LeftButton, {}, star(2, 5));
+    QTest::mouseRelease(list().viewport(), Qt::LeftButton, {}, star(2, 5));
+    EXPECT_EQ(workspace.addresses, QStringList()) << "a second click there is no click";
     list().clearSelection();
     EXPECT_GT(filled(2), filled(1));
     EXPECT_GT(filled(1), before);
@@ -365,6 +371,69 @@ TEST_F(MainWindowTest, HiddenResultsAreShownOnRequestAndComeBack)
     EXPECT_EQ(list().model()->rowCount(), 0);
     QTest::mouseClick(hidden, Qt::LeftButton);
     EXPECT_EQ(list().model()->rowCount(), 60);
+}
+
+TEST_F(MainWindowTest, WhatOneStaysWithIsRead)
+{
+    const auto isTitled = [this](const QString& title) {
+        return happens([&] { return window->windowTitle() == title; });
+    };
+    const auto click = [this](int row) {
+        QTest::mouseClick(list().viewport(), Qt::LeftButton, {},
+                          list().visualRect(list().model()->index(row, 0)).center());
+    };
+    openAt(pond);
+    click(2);
+    EXPECT_TRUE(isTitled(u"QuarrySpotter (59 unread)"_s));
+    QTest::keyClick(&list(), Qt::Key_U);
+    QTest::keyClick(&list(), Qt::Key_Down);
+    QTest::keyClick(&list(), Qt::Key_U);
+    QTest::keyClick(&list(), Qt::Key_M);
+    QTest::keyClick(&list(), Qt::Key_U);
+    QTest::keyClick(&list(), Qt::Key_Down);
+    EXPECT_EQ(window->windowTitle(), u"QuarrySpotter (60 unread)"_s) << "passing by is not reading";
+    EXPECT_TRUE(isTitled(u"QuarrySpotter (59 unread)"_s)) << "as the user said, but the last one";
+
+    window->resultsPane().setOrder(UnreadFirst);
+    click(0);
+    const auto* const moment = window->findChild<SeenResults*>()->findChild<QTimer*>();
+    EXPECT_TRUE(happens([moment] { return !moment->isActive(); }));
+    EXPECT_EQ(list().currentIndex().row(), 0);
+    QTest::keyClick(&list(), Qt::Key_Down);
+    EXPECT_TRUE(isTitled(u"QuarrySpotter (58 unread)"_s)) << "not before one goes on";
+    QTest::mouseDClick(list().viewport(), Qt::LeftButton, {}, list().visualRect(list().currentIndex()).center());
+    EXPECT_EQ(workspace.addresses.size(), 1);
+}
+
+TEST_F(MainWindowTest, HeadersSortAndWhatIsInViewStaysThere)
+{
+    openAt(pond);
+    QHeaderView& header = *list().horizontalHeader();
+    const auto clickHeader = [&header](int column) {
+        QTest::mouseClick(header.viewport(), Qt::LeftButton, {},
+                          QPoint(header.sectionViewportPosition(column) + 8, header.height() / 2));
+    };
+    list().selectRow(2);
+    clickHeader(ResultModel::FoundColumn);
+    EXPECT_EQ(window->resultsPane().order(), OldestFirst);
+    EXPECT_EQ(header.sortIndicatorOrder(), Qt::AscendingOrder);
+    EXPECT_EQ(current(), u"r58"_s);
+    EXPECT_TRUE(shownTitles().contains(u"r58"_s)) << "what is selected is still in view";
+    clickHeader(ResultModel::TitleColumn);
+    EXPECT_EQ(header.sortIndicatorSection(), ResultModel::TitleColumn);
+    clickHeader(ResultModel::ServiceColumn);
+    EXPECT_EQ(window->resultsPane().order(), ByTitle);
+    EXPECT_EQ(header.sortIndicatorSection(), ResultModel::TitleColumn);
+
+    window->resultsPane().setOrder(NewestFirst);
+    list().clearSelection();
+    list().verticalScrollBar()->setValue(10);
+    const QStringList before = shownTitles();
+    edit([this](Engine& database) {
+        database.queryForUUID(pond)->restoreResults({result(u"newer"_s, 900000000.0)}, {});
+    });
+    ASSERT_TRUE(happens([this] { return list().model()->rowCount() == 61; }));
+    EXPECT_EQ(shownTitles(), before);
 }
 
 TEST_F(MainWindowTest, OnlyWebAddressesAreOpenedAndManyOnRequest)

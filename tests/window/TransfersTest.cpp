@@ -165,8 +165,9 @@ TEST(TransfersTest, ClosingAsksBeforeItDropsEveryExportThatRuns)
     auto& transfers = *rig.window->findChild<NodeTransfers*>();
     for (const auto& [answer, isGone] :
          {std::pair(QMessageBox::Cancel, false), std::pair(QMessageBox::Discard, true)}) {
-        transfers.exportTo({}, first, ExportFormat::Json);
-        transfers.exportTo({}, rig.home.path() + QStringLiteral("/second.json"), ExportFormat::Json);
+        transfers.exportTo({}, first, ExportFormat::Json, ExportedResults::All);
+        transfers.exportTo({}, rig.home.path() + QStringLiteral("/second.json"), ExportFormat::Json,
+                           ExportedResults::All);
         QTimer::singleShot(0, [which = answer] {
             qobject_cast<QMessageBox*>(QApplication::activeModalWidget())->button(which)->click();
         });
