@@ -389,6 +389,8 @@ void MainWindow::showRefresh()
     updateActions();
     if (_refresh.state().isRunning)
         return;
+    if (const QString warning = _refreshBar->warning(_refresh.state()); !warning.isEmpty())
+        _notice->say(NoticeBar::Kind::Warning, warning);
     _tree.checkFile();
     if (_health && _health->isVisible())
         _health->show(serviceStates(_parts.tree.home, _parts.tree.files));
@@ -455,9 +457,22 @@ void MainWindow::safetyChanged(LiveTree::Safety safety, const QString& reason)
     _safety->setText(_pages->currentWidget() == _damage
                          ? QString()
                          : _parts.texts.text(QString::fromUtf16(keys[static_cast<std::size_t>(safety)])));
+    saySaveFault(safety, reason);
     _import.goOn();
     if (safety != LiveTree::Safety::Loading && !std::exchange(_isScheduleKept, true))
         _schedule.start();
+}
+
+void MainWindow::saySaveFault(LiveTree::Safety safety, const QString& reason)
+{
+    if (safety == LiveTree::Safety::Safe) {
+        _notice->takeBack(std::exchange(_saveFault, {}));
+    } else if (safety == LiveTree::Safety::Failed && _pages->currentWidget() != _damage) {
+        const QString text = filledFormat(_parts.texts.text(QStringLiteral("200_Save failed")), {reason});
+        // It is tried again and again, but said once.
+        if (std::exchange(_saveFault, text) != text)
+            _notice->say(NoticeBar::Kind::Warning, text);
+    }
 }
 
 void MainWindow::showHealth()

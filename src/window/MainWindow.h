@@ -120,6 +120,7 @@ private:
     void addRatings(QMenu& menu);
     void showRefresh();
     void sayNextRefresh();
+    void saySaveFault(LiveTree::Safety safety, const QString& reason);
     void showHealth();
     void sayTitle();
     /// Saves on other threads, the layout as well.
@@ -144,6 +145,7 @@ private:
     bool _isRefreshWaiting = false; ///< For a save.
     std::shared_ptr<int> _leaving;  ///< While it saves after it was closed; another one each time.
     bool _isScheduleKept = false;
+    QString _saveFault; ///< What was said of a save that failed, until one succeeds.
     TreePane* _treePane = nullptr;
     ResultsPane* _resultsPane = nullptr;
     SeenResults* _seen = nullptr;

@@ -1,5 +1,6 @@
 #include "window/NoticeBar.h"
 
+#include <QAccessible>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QStyle>
@@ -38,6 +39,14 @@ void NoticeBar::say(Kind kind, const QString& text)
     _icon->setPixmap(style()->standardIcon(picture).pixmap(size));
     _text->setText(text);
     setVisible(!text.isEmpty());
+    QAccessibleEvent event(_text, QAccessible::Alert); // Screen readers read it out.
+    QAccessible::updateAccessibility(&event);
+}
+
+void NoticeBar::takeBack(const QString& text)
+{
+    if (_text->text() == text)
+        hide();
 }
 
 } // namespace quarry

@@ -17,6 +17,8 @@ public:
 
     enum class Kind { Word, Warning };
     void say(Kind kind, const QString& text);
+    /// Closes it if that is what it shows: the text is no longer true.
+    void takeBack(const QString& text);
 
 private:
     QLabel* _icon = nullptr;

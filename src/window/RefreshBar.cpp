@@ -95,6 +95,12 @@ QString RefreshBar::troubles(const RefreshState& state) const
     return troubled.join(QLatin1String("; "));
 }
 
+QString RefreshBar::warning(const RefreshState& state) const
+{
+    const bool isLost = state.end == RefreshState::End::NotSaved || state.end == RefreshState::End::Failed;
+    return isLost && !state.faults.isEmpty() ? endText(state) + u'\n' + state.faults.join(u'\n') : QString();
+}
+
 QString RefreshBar::runningText(const RefreshState& state) const
 {
     if (state.isStopping)

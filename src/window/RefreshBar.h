@@ -19,6 +19,8 @@ public:
     /// `health` shows how the services did, in full.
     RefreshBar(const StringTable& texts, QAction* stop, QAction* health, QWidget* parent = nullptr);
     void show(const RefreshState& state);
+    /// What has to be said louder than here: why a refresh came to nothing; empty otherwise.
+    [[nodiscard]] QString warning(const RefreshState& state) const;
 
 private:
     [[nodiscard]] QString runningText(const RefreshState& state) const;

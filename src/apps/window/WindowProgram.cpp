@@ -49,10 +49,9 @@ WindowProgram::~WindowProgram() = default;
 
 WindowProgram::Start WindowProgram::start(const QStringList& files)
 {
-    if (const QString error = _home.makeFolders(); !error.isEmpty()) {
-        systemLog(error);
+    _fault = _home.makeFolders();
+    if (!_fault.isEmpty())
         return Start::Failed;
-    }
     switch (_instance.claim(files)) {
     case SingleInstance::Outcome::First:
         openWindow(files);
@@ -62,7 +61,7 @@ WindowProgram::Start WindowProgram::start(const QStringList& files)
     case SingleInstance::Outcome::Failed:
         break;
     }
-    systemLog(QStringLiteral("QuarrySpotter is open already, but does not answer"));
+    _fault = _texts.text(QStringLiteral("200_No answer"));
     return Start::Failed;
 }
 

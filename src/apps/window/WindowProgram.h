@@ -33,10 +33,12 @@ public:
     enum class Start {
         Runs,       ///< The window is open; run the event loop.
         HandedOver, ///< Another copy has the window, and was told.
-        Failed,     ///< What is wrong was said.
+        Failed,     ///< See `fault`.
     };
     /// Opens the window, or hands over to the copy that has it.
     [[nodiscard]] Start start(const QStringList& files);
+    /// Why it could not start, for a person.
+    [[nodiscard]] QString fault() const { return _fault; }
     /// Lets a running copy of pages stop, saves without asking anybody, then ends the event loop.
     void quit();
 
@@ -49,6 +51,7 @@ private:
     void end(int status);
 
     bool _isOwnHome;
+    QString _fault;
     HomeFolder _home;
     Bundle _bundle;
     StringTable _texts;

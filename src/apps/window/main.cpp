@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QLibraryInfo>
+#include <QMessageBox>
 #include <QPalette>
 #include <QTranslator>
 
@@ -39,6 +40,16 @@ void makePlaceholdersLegible()
     QApplication::setPalette(palette);
 }
 
+/// Who started it from a menu reads no standard error.
+int showFault(const QString& fault, StopSignals& signals)
+{
+    const auto end = [] { QCoreApplication::exit(Failed); };
+    QMessageBox box(QMessageBox::Critical, QApplication::applicationName(), fault);
+    QObject::connect(&box, &QDialog::finished, end);
+    box.show();
+    return runEventLoop(signals, end);
+}
+
 int run(const DesktopOptions& options, bool isOwnHome, StopSignals& signals)
 {
     WindowProgram program(isOwnHome);
@@ -48,7 +59,8 @@ int run(const DesktopOptions& options, bool isOwnHome, StopSignals& signals)
     case WindowProgram::Start::HandedOver:
         return 0;
     case WindowProgram::Start::Failed:
-        return Failed;
+        systemLog(program.fault());
+        return isTerminal(stderr) ? Failed : showFault(program.fault(), signals);
     }
     return runEventLoop(signals, [&program] { program.quit(); });
 }
