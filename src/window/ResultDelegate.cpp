@@ -60,10 +60,6 @@ void paintStars(QPainter& painter, const QStyleOptionViewItem& option, int ratin
 
 } // namespace
 
-ResultDelegate::ResultDelegate(const StringTable& texts, QObject* parent) : QStyledItemDelegate(parent), _texts(texts)
-{
-}
-
 int ResultDelegate::rowHeight(const QFont& font)
 {
     return QFontMetrics(font).height() + 2 * Margin;

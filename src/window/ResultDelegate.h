@@ -1,7 +1,5 @@
 #pragma once
 
-#include "archive/StringTable.h"
-
 #include <QStyledItemDelegate>
 
 namespace quarry {
@@ -13,7 +11,7 @@ class ResultDelegate final : public QStyledItemDelegate {
 public:
     static constexpr int MostStars = 5;
 
-    ResultDelegate(const StringTable& texts, QObject* parent);
+    using QStyledItemDelegate::QStyledItemDelegate;
 
     [[nodiscard]] static int rowHeight(const QFont& font);
     /// What the stars of a row take.
@@ -29,9 +27,6 @@ protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
     bool editorEvent(QEvent* event, QAbstractItemModel* model, const QStyleOptionViewItem& option,
                      const QModelIndex& index) override;
-
-private:
-    const StringTable& _texts;
 };
 
 } // namespace quarry

@@ -101,7 +101,7 @@ void ResultsPane::makeList(const StringTable& texts)
     auto* const table = new ResultTable(this);
     _list = table;
     _list->setModel(&_model);
-    auto* const delegate = new ResultDelegate(texts, _list);
+    auto* const delegate = new ResultDelegate(_list);
     _list->setItemDelegate(delegate);
     connect(delegate, &ResultDelegate::ratingClicked, this, &ResultsPane::ratingWanted);
     _list->setAccessibleName(texts.text(QStringLiteral("202_Results")));
