@@ -70,7 +70,7 @@ void HealthDialog::setRow(int row, const ServiceState& state)
         item->setToolTip(text);
         _table->setItem(row, column, item);
     };
-    put(0, searchServiceName(state.service), serviceIcon(searchServiceIdentifier(state.service)));
+    put(0, searchServiceName(state.service), serviceIcon(state.service));
     if (!state.asked) {
         put(1, _texts.text(state.isEnabled ? QStringLiteral("221_Never asked") : QStringLiteral("221_Off")));
         for (const int column : {2, 3, 4})

@@ -1,8 +1,5 @@
 #include "window/ServiceIcons.h"
 
-#include "engines/SearchService.h"
-
-#include <QHash>
 #include <QPainter>
 #include <QPixmap>
 
@@ -37,24 +34,30 @@ QIcon draw(QChar letter, const QColor& colour)
     return icon;
 }
 
-QHash<QString, QIcon> drawAll()
+std::array<QIcon, AllSearchServices.size()> drawAll()
 {
-    static_assert(Colours.size() >= AllSearchServices.size());
-    QHash<QString, QIcon> icons;
-    std::size_t next = 0;
+    static_assert(Colours.size() == AllSearchServices.size());
+    std::array<QIcon, AllSearchServices.size()> icons;
     for (const SearchService service : AllSearchServices)
-        icons.insert(searchServiceIdentifier(service),
-                     draw(searchServiceName(service).at(0), QColor(QRgb(Colours.at(next++)))));
-    icons.remove(QString()); // Of the one that makes no records.
+        icons.at(indexOf(service)) = draw(searchServiceName(service).at(0), QColor(QRgb(Colours.at(indexOf(service)))));
     return icons;
 }
 
 } // namespace
 
+QIcon serviceIcon(SearchService service)
+{
+    static const std::array icons = drawAll();
+    return icons.at(indexOf(service));
+}
+
 QIcon serviceIcon(const QString& engineId)
 {
-    static const QHash<QString, QIcon> icons = drawAll();
-    return icons.value(engineId);
+    for (const SearchService service : AllSearchServices) {
+        if (!engineId.isEmpty() && searchServiceIdentifier(service) == engineId)
+            return serviceIcon(service);
+    }
+    return {};
 }
 
 } // namespace quarry

@@ -1,12 +1,15 @@
 #pragma once
 
+#include "engines/SearchService.h"
+
 #include <QIcon>
 #include <QString>
 
 namespace quarry {
 
-/// A small picture for a search service, by its identifier in records: its letter on a colour of its own. Null for an
-/// unknown one.
+/// A small picture for a search service: its letter on a colour of its own.
+[[nodiscard]] QIcon serviceIcon(SearchService service);
+/// The same by the identifier in records. Null for an unknown one.
 [[nodiscard]] QIcon serviceIcon(const QString& engineId);
 
 } // namespace quarry
