@@ -209,7 +209,7 @@ void ResultsPane::goBackTo(const Place& place, const ResultListing& before)
         else if (place.rows.empty())
             selection.setCurrentIndex(there, QItemSelectionModel::NoUpdate);
         else
-            _list->selectRow(there.row());
+            selectRow(there.row());
     }
     selection.select(rows, QItemSelectionModel::Select);
     _list->doItemsLayout(); // Else the scroll bar goes by as many rows as there were before.
@@ -294,7 +294,7 @@ bool ResultsPane::selectNextUnread()
         const QModelIndex index = _model.index((start + i) % rows, 0);
         if (!index.data(ResultModel::UnreadRole).toBool())
             continue;
-        _list->selectRow(index.row());
+        selectRow(index.row());
         _list->scrollTo(index);
         Q_EMIT unreadReached(index);
         return true;
@@ -354,13 +354,20 @@ void ResultsPane::restoreColumns(const QByteArray& state)
     showOrder();
 }
 
+/// The view's own way looks for the column at its edge, and from right to left finds none there.
+void ResultsPane::selectRow(int row)
+{
+    _list->selectionModel()->setCurrentIndex(_model.index(row, 0),
+                                             QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+}
+
 void ResultsPane::selectNext(int step)
 {
     const int rows = _model.rowCount();
     if (rows == 0)
         return;
     const int row = currentRow().isValid() ? currentRow().row() + step : 0;
-    _list->selectRow(std::clamp(row, 0, rows - 1));
+    selectRow(std::clamp(row, 0, rows - 1));
 }
 
 void ResultsPane::focusSearch()

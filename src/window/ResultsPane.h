@@ -85,6 +85,7 @@ private:
     void goBackTo(const Place& place, const ResultListing& before);
     /// Where these results are listed now.
     [[nodiscard]] QItemSelection rowsOf(const ResultSelection& results) const;
+    void selectRow(int row);
     void sayCount();
     /// As a click on that column's header wants it.
     void sortBy(int column);

@@ -91,8 +91,10 @@ TEST_F(MainWindowTest, KeysWorkThroughTheResultsAndUndoTakesEachBack)
     openAt(pond);
     QTest::keyClick(&list(), Qt::Key_N);
     EXPECT_EQ(current(), u"r60"_s);
+    window->setLayoutDirection(Qt::RightToLeft);
     QTest::keyClick(&list(), Qt::Key_N);
     EXPECT_EQ(current(), u"r59"_s);
+    EXPECT_TRUE(list().selectionModel()->isRowSelected(1));
     EXPECT_EQ(window->windowTitle(), u"QuarrySpotter (58 unread)"_s) << "what one steps to is read";
     QTest::keyClick(&list(), Qt::Key_U);
     EXPECT_EQ(window->windowTitle(), u"QuarrySpotter (59 unread)"_s);
