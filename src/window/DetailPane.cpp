@@ -4,6 +4,7 @@
 #include "text/LocalisedFormat.h"
 #include "window/Highlight.h"
 
+#include <QApplication>
 #include <QDateTime>
 #include <QLabel>
 #include <QLocale>
@@ -12,6 +13,8 @@
 #include <QToolBar>
 #include <QToolButton>
 #include <QVBoxLayout>
+
+#include <utility>
 
 namespace quarry {
 
@@ -30,6 +33,33 @@ QAction* ratingAction(const WindowActions& actions, const QString& text, QToolBa
     QObject::connect(any, &QAction::changed, rating, follow);
     follow();
     return rating;
+}
+
+/// A tool bar leaves its buttons out of what Tab reaches. A click still leaves the focus in the list, where keys go on.
+void reachByTab(const QToolBar& bar, QWidget* next)
+{
+    QList<QToolButton*> buttons = bar.findChildren<QToolButton*>();
+    buttons.append(buttons.takeFirst()); // The one for what finds no room is made first, and shown last.
+    for (QToolButton* const button : std::as_const(buttons))
+        button->setFocusPolicy(Qt::TabFocus);
+    for (qsizetype i = 0; i + 1 < buttons.size(); ++i)
+        QWidget::setTabOrder(buttons.at(i), buttons.at(i + 1));
+    QWidget::setTabOrder(buttons.constLast(), next);
+}
+
+/// Two actions that take turns: the button of the one that comes has the focus of the one that goes. Else that would be
+/// with the next button, which a second Space would press.
+void passFocus(const QToolBar& bar, QAction* one, QAction* other)
+{
+    QObject::connect(qApp, &QApplication::focusChanged, &bar, [&bar, one, other](const QWidget* from) {
+        for (const auto& [going, coming] : {std::pair(one, other), std::pair(other, one)}) {
+            if (!from || from != bar.widgetForAction(going) || going->isVisible() || !coming->isVisible())
+                continue;
+            QWidget* const next = bar.widgetForAction(coming);
+            next->show(); // As the tool bar will in a moment.
+            next->setFocus(Qt::OtherFocusReason);
+        }
+    });
 }
 
 } // namespace
@@ -58,6 +88,9 @@ DetailPane::DetailPane(WindowActions& actions, const StringTable& texts, QWidget
     layout->addWidget(_buttons);
     layout->addWidget(_text, 1);
     layout->addWidget(_facts);
+    reachByTab(*_buttons, _text);
+    QWidget::setTabOrder(_text, _facts);
+    passFocus(*_buttons, actions.markRead, actions.markUnread);
     showNothing();
 }
 

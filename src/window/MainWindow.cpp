@@ -252,8 +252,11 @@ void MainWindow::updateActions()
     for (QAction* const action : {_actions.markRead, _actions.markUnread})
         action->setEnabled(!rows.isEmpty() && !showsHidden);
     _actions.blacklistAddress->setEnabled(rows.size() == 1);
+    const bool offersUnread = !rows.isEmpty() && (!isUnread || rows.size() > 1);
+    if (offersUnread) // Before the other goes: it takes over the focus of its button.
+        _actions.markUnread->setVisible(true);
     _actions.markRead->setVisible(rows.isEmpty() || isUnread || rows.size() > 1);
-    _actions.markUnread->setVisible(!rows.isEmpty() && (!isUnread || rows.size() > 1));
+    _actions.markUnread->setVisible(offersUnread);
     _actions.hideResult->setVisible(!showsHidden);
     _actions.showAgain->setVisible(showsHidden);
     const bool isReadable = _pages->currentWidget() != _damage;

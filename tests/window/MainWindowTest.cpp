@@ -487,8 +487,20 @@ TEST_F(MainWindowTest, TheDetailsCanBeReadCopiedAndPressed)
     QTest::keyClick(text, Qt::Key_Space);
     EXPECT_EQ(current(), u"r60"_s);
 
-    button(window->actions().hideResult)->setFocus();
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    list().setFocus();
+    const auto presses = [this](const QAction* action) {
+        EXPECT_TRUE(happens([&] { return button(action)->isVisible(); }));
+        for (int i = 0; i < 5 && QApplication::focusWidget() != button(action); ++i)
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    };
+    presses(window->actions().markUnread);
+    EXPECT_TRUE(happens([&] { return !button(window->actions().markUnread)->isVisible(); }));
+    EXPECT_EQ(QApplication::focusWidget(), button(window->actions().markRead)) << "it came in the other's place";
+    presses(window->actions().markRead);
+    EXPECT_TRUE(happens([&] { return !button(window->actions().markRead)->isVisible(); }));
+    EXPECT_EQ(QApplication::focusWidget(), button(window->actions().markUnread));
+    presses(window->actions().hideResult);
     EXPECT_EQ(list().model()->rowCount(), 61);
     list().selectAll();
     QTimer::singleShot(0, [] { // The click comes back when the menu is closed.
