@@ -24,7 +24,7 @@ quarry::QueryCorePtr copyByOpml(const quarry::QueryCorePtr& root)
 {
     const quarry::ImportedForest forest = quarry::readImport(exported(root, quarry::ExportFormat::Opml), QString());
     require(forest.fault.isEmpty(), "OPML of its own making is refused");
-    const quarry::QueryCorePtr copy = newRoot();
+    quarry::QueryCorePtr copy = newRoot();
     require(quarry::graft(forest, copy, copy).fault.isEmpty(), "OPML of its own making does not fit");
     return copy;
 }

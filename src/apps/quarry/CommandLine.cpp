@@ -40,7 +40,7 @@ struct Command::Impl {
     [[nodiscard]] std::shared_ptr<Impl> below(const QString& name, const QString& summary,
                                               const QStringList& examples) const
     {
-        const auto impl = std::make_shared<Impl>(*this);
+        auto impl = std::make_shared<Impl>(*this);
         impl->app = app->add_subcommand(name.toStdString(), summary.toStdString());
         impl->app->footer("Examples:\n  " + examples.join(QLatin1String("\n  ")).toStdString());
         addHome(impl->app);

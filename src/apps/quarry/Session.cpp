@@ -35,7 +35,7 @@ Outcome Session::checkHome() const
 
 Outcome Session::prepareHome() const
 {
-    const Outcome home = checkHome();
+    Outcome home = checkHome();
     if (!home.ok())
         return home;
     const QString error = _home.makeFolders();
@@ -53,7 +53,7 @@ QueryDatabaseEngine& Session::engine()
 
 Session::Loaded Session::load()
 {
-    const Outcome home = checkHome();
+    Outcome home = checkHome();
     if (!home.ok())
         return {nullptr, home};
     if (!QFileInfo::exists(_home.databaseFile()))
@@ -65,7 +65,7 @@ Session::Loaded Session::load()
 
 Outcome Session::edit(const Change& change)
 {
-    const Outcome home = prepareHome();
+    Outcome home = prepareHome();
     if (!home.ok())
         return home;
     if (!engine().lastError().isEmpty())
