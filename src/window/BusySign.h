@@ -3,6 +3,7 @@
 #include "archive/StringTable.h"
 
 class QProgressDialog;
+class QWidget;
 
 namespace quarry {
 
