@@ -163,6 +163,8 @@ public:
     [[nodiscard]] std::optional<ResultRecord> setRating(qint64 rating, const ResultRecord& forItem);
     void excludeItem(const ResultRecord& item);
     void excludeURLString(const QString& address);
+    /// The same for many hosts, in one pass over the results. Empty ones are passed over.
+    void excludeHosts(const QStringList& hosts);
     [[nodiscard]] bool isExcludedURL(const QString& address) const;
     /// The hosts whose results are dropped, sorted; empty when there are none.
     [[nodiscard]] QStringList excludedHosts() const;
@@ -224,7 +226,6 @@ private:
                            const QString& urlRegularExpression);
     void deletePageCache() const;
     void markItem(const ResultRecord& item, bool read);
-    void excludeHost(const QString& host);
     void countUnread();
     /// Says that stored fields changed, so that no update swaps in what it made of the older ones.
     void touch() { ++_generation; }

@@ -6,6 +6,8 @@
 #include "model/ResultSearch.h"
 #include "model/TreeLock.h"
 
+#include <QSet>
+
 #include <algorithm>
 #include <utility>
 
@@ -148,24 +150,28 @@ std::optional<ResultRecord> QueryCore::setRating(qint64 rating, const ResultReco
 
 void QueryCore::excludeItem(const ResultRecord& item)
 {
-    excludeHost(hostOf(item));
+    excludeHosts({hostOf(item)});
 }
 
 void QueryCore::excludeURLString(const QString& address)
 {
     const bool isWeb = address.contains(QLatin1String("http://")) || address.contains(QLatin1String("https://"));
-    excludeHost(hostOf(isWeb ? address : QLatin1String("http://") + address));
+    excludeHosts({hostOf(isWeb ? address : QLatin1String("http://") + address)});
 }
 
-void QueryCore::excludeHost(const QString& host)
+void QueryCore::excludeHosts(const QStringList& hosts)
 {
-    if (host.isEmpty())
+    QSet<QString> excluded(hosts.begin(), hosts.end());
+    excluded.remove(QString());
+    if (excluded.isEmpty())
         return;
     const TreeLock lock;
-    if (_fields._excludedDomains)
-        _fields._excludedDomains->insert(host, true);
+    for (const QString& host : std::as_const(excluded)) {
+        if (_fields._excludedDomains)
+            _fields._excludedDomains->insert(host, true);
+    }
     if (_fields._currentResult)
-        _fields._currentResult->removeIf([&host](const ResultRecord& record) { return hostOf(record) == host; });
+        _fields._currentResult->removeIf([&](const ResultRecord& record) { return excluded.contains(hostOf(record)); });
     touch();
 }
 

@@ -70,14 +70,19 @@ void forEach(const QueryCorePtr& root, const QStringList& uuids, const std::func
     }
 }
 
-ResultList resultsOf(const QueryCore& query, const QString& host)
+using ResultsByHost = QHash<QString, ResultList>;
+ResultsByHost resultsOf(const QueryCore& query, const QStringList& hosts)
 {
-    ResultList results = query.snapshot().fields._currentResult.value_or(ResultList());
-    results.removeIf([&host](const ResultRecord& record) {
+    ResultsByHost found;
+    for (const QString& host : hosts)
+        found.insert(host, {});
+    const ResultList results = query.snapshot().fields._currentResult.value_or(ResultList());
+    for (const ResultRecord& record : results) {
         const std::optional<Url> url = record.url();
-        return !url || url->host() != host;
-    });
-    return results;
+        if (const auto host = url ? found.find(url->host().toString()) : found.end(); host != found.end())
+            host->append(record);
+    }
+    return found;
 }
 
 using Selected = std::function<void(QueryCore& query, const ResultKeys& keys)>;
@@ -139,23 +144,32 @@ TreeEdit setRating(qint64 rating, const ResultSelection& results)
     return ofResults(results, [rating](QueryCore& query, const ResultKeys& keys) { query.setRating(rating, keys); });
 }
 
-Reversible exclusion(const QString& queryUuid, const QString& host)
+Reversible exclusion(const QString& queryUuid, const QStringList& hosts, qint64 results)
 {
-    const auto dropped = std::make_shared<ResultList>(); // Under the tree lock.
-    return {change({queryUuid},
-                   [host, dropped](QueryCore& query) {
-                       const TreeLock lock;
-                       // A tree in which the host is excluded already has nothing to say about what was dropped.
-                       if (const ResultList now = resultsOf(query, host); !now.isEmpty())
-                           *dropped = now;
-                       query.excludeURLString(QLatin1String("http://") + host);
-                       query.invalidateUnread();
-                   }),
-            change({queryUuid}, [host, dropped](QueryCore& query) {
-                const TreeLock lock;
-                query.includeHost(host);
-                query.restoreResults(*dropped, {});
-            })};
+    const auto dropped = std::make_shared<ResultsByHost>(); // Under the tree lock.
+    const auto exclude = [hosts, dropped](QueryCore& query) {
+        const TreeLock lock;
+        const ResultsByHost now = resultsOf(query, hosts);
+        for (auto host = now.constBegin(); host != now.constEnd(); ++host) {
+            // A tree in which the host is excluded already has nothing to say about what was dropped.
+            if (!host->isEmpty())
+                dropped->insert(host.key(), *host);
+        }
+        query.excludeHosts(hosts);
+        query.invalidateUnread();
+    };
+    const auto include = [hosts, dropped](QueryCore& query) {
+        const TreeLock lock;
+        ResultList back;
+        for (const QString& host : hosts) {
+            query.includeHost(host);
+            back += dropped->value(host);
+        }
+        query.restoreResults(back, {});
+    };
+    Reversible exclusion = {change({queryUuid}, exclude), change({queryUuid}, include)};
+    exclusion.change.large = exclusion.opposite.large = results >= LargeEditResults;
+    return exclusion;
 }
 
 Reversible insertion(const QueryCorePtr& node, const QString& folderUuid, qsizetype index)

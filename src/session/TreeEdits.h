@@ -32,9 +32,9 @@ struct Reversible {
 [[nodiscard]] Reversible markAllRead(const QStringList& queries, qint64 results);
 [[nodiscard]] TreeEdit setHidden(bool hidden, const ResultSelection& results);
 [[nodiscard]] TreeEdit setRating(qint64 rating, const ResultSelection& results);
-/// Drops the results of a host from a query, now and in later updates. The opposite lets the host in again and puts
-/// back what was dropped.
-[[nodiscard]] Reversible exclusion(const QString& queryUuid, const QString& host);
+/// Drops the results of hosts from a query, now and in later updates. The opposite lets the hosts in again and puts
+/// back what was dropped. `results` is about how many the query has.
+[[nodiscard]] Reversible exclusion(const QString& queryUuid, const QStringList& hosts, qint64 results);
 
 // --- Nodes ------------------------------------------------------------------------------------------------------
 /// Puts a node that is in no tree into a folder (an empty UUID is the top), at that place (past the end: last). The

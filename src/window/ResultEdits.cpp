@@ -3,7 +3,6 @@
 #include "exchange/TreeWalk.h"
 
 #include <QMap>
-#include <QSet>
 
 namespace quarry {
 
@@ -90,17 +89,17 @@ void ResultEdits::setRating(qint64 rating, const ResultModel& model, const QMode
 
 void ResultEdits::excludeHosts(const ResultModel& model, const QModelIndexList& rows)
 {
-    QList<edits::Reversible> changes;
-    QSet<QString> done;
+    QMap<QString, QStringList> hostsByQuery;
     for (const QModelIndex& index : rows) {
         const ResultListing::Row& row = model.row(index);
-        const QString uuid = model.listing().queryUuid(row);
         const std::optional<Url> url = row.record.url();
-        const QString host = url ? url->host().toString() : QString();
-        if (host.isEmpty() || done.contains(uuid + u'\n' + host))
-            continue;
-        done.insert(uuid + u'\n' + host);
-        changes.append(edits::exclusion(uuid, host));
+        if (const QString host = url ? url->host().toString() : QString(); !host.isEmpty())
+            hostsByQuery[model.listing().queryUuid(row)].append(host);
+    }
+    QList<edits::Reversible> changes;
+    for (auto hosts = hostsByQuery.begin(); hosts != hostsByQuery.end(); ++hosts) {
+        hosts->removeDuplicates();
+        changes.append(edits::exclusion(hosts.key(), *hosts, _tree.counts().of(hosts.key()).results));
     }
     if (!changes.isEmpty())
         _edits.perform(_texts.text(QStringLiteral("201_Undo exclude")), edits::together(changes));

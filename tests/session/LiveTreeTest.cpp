@@ -254,7 +254,7 @@ TEST_F(LiveTreeTest, EveryChangeIsUndoneByItsOpposite)
         {edits::setRead(true, named({"a"})), edits::setRead(false, named({"a"}))},
         {edits::setHidden(true, named({"a", "b"})), edits::setHidden(false, named({"a", "b"}))},
         {edits::setRating(4, named({"b"})), edits::setRating(0, named({"b"}))},
-        edits::exclusion(pond, QStringLiteral("one.example")),
+        edits::exclusion(pond, {QStringLiteral("one.example"), QStringLiteral("two.example")}, 4),
         edits::removal(tree.root(), node),
         {edits::move(pond, QString(), 0), edits::move(pond, place.folderUuid, place.index)},
         {edits::move(garden, QString(), 5), edits::move(garden, folderPlace.folderUuid, folderPlace.index)},
