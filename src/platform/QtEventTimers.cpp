@@ -1,5 +1,7 @@
 #include "platform/QtEventTimers.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QTimer>
 
 #include <algorithm>
@@ -32,7 +34,28 @@ void QtEventTimers::after(std::chrono::milliseconds delay, Call call)
 
 void QtEventTimers::post(Call call)
 {
-    QMetaObject::invokeMethod(&_context, std::move(call), Qt::QueuedConnection);
+    _context.add(std::move(call));
+}
+
+void QtEventTimers::Context::add(Call call)
+{
+    {
+        const std::lock_guard lock(_mutex);
+        _calls.push_back(std::move(call));
+    }
+    QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+}
+
+void QtEventTimers::Context::customEvent(QEvent* event)
+{
+    static_cast<void>(event); // One for each call, in their order.
+    Call call;
+    {
+        const std::lock_guard lock(_mutex);
+        call = std::move(_calls.front());
+        _calls.pop_front();
+    }
+    call();
 }
 
 } // namespace quarry

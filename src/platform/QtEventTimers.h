@@ -4,6 +4,9 @@
 
 #include <QObject>
 
+#include <deque>
+#include <mutex>
+
 namespace quarry {
 
 /// Timers of Qt's event loop, coarse to a twentieth of their interval. Make it on the thread of the loop, after the
@@ -15,7 +18,21 @@ public:
     void post(Call call) override;
 
 private:
-    QObject _context; ///< Owns the timers; calls end with it.
+    /// Owns the timers; calls end with it. What is posted waits here and not in Qt's events: the order between the
+    /// threads is then that of a lock which ThreadSanitizer knows.
+    class Context final : public QObject {
+    public:
+        void add(Call call);
+
+    protected:
+        void customEvent(QEvent* event) override;
+
+    private:
+        std::mutex _mutex;
+        std::deque<Call> _calls;
+    };
+
+    Context _context;
 };
 
 } // namespace quarry
