@@ -70,18 +70,28 @@ void forEach(const QueryCorePtr& root, const QStringList& uuids, const std::func
     }
 }
 
+/// Calls for each result that the query has now. They are let go under the lock of the tree, so that whoever then
+/// changes them in place, as nobody else has them, comes after this.
+void forEachResult(const QueryCore& query, const std::function<void(const ResultRecord& record)>& call)
+{
+    ResultList records = query.snapshot().fields._currentResult.value_or(ResultList());
+    for (const ResultRecord& record : std::as_const(records))
+        call(record);
+    const TreeLock lock;
+    records.clear();
+}
+
 using ResultsByHost = QHash<QString, ResultList>;
 ResultsByHost resultsOf(const QueryCore& query, const QStringList& hosts)
 {
     ResultsByHost found;
     for (const QString& host : hosts)
         found.insert(host, {});
-    const ResultList results = query.snapshot().fields._currentResult.value_or(ResultList());
-    for (const ResultRecord& record : results) {
+    forEachResult(query, [&found](const ResultRecord& record) {
         const std::optional<Url> url = record.url();
         if (const auto host = url ? found.find(url->host().toString()) : found.end(); host != found.end())
             host->append(record);
-    }
+    });
     return found;
 }
 
@@ -100,11 +110,10 @@ TreeEdit ofResults(const ResultSelection& results, const Selected& how)
 ResultKeys unreadOf(const QueryCore& query)
 {
     ResultKeys keys;
-    const ResultList records = query.snapshot().fields._currentResult.value_or(ResultList());
-    for (const ResultRecord& record : records) {
+    forEachResult(query, [&keys](const ResultRecord& record) {
         if (!record.isRead())
             keys.add(record);
-    }
+    });
     return keys;
 }
 
